@@ -1,0 +1,86 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+#include <iostream>
+
+#include "exit_status.h"
+#include "fit_command.h"
+#include "tvmath/version.h"
+
+inline namespace tvmath {
+namespace {
+
+// Examples come first in every help: most readers look for a line to copy.
+char const* const examples =
+    "Examples:\n"
+    "  tvmath fit circle bore.csv                  centre, radius and residual of a circle\n"
+    "  tvmath fit line left.csv right.csv --json   two lines, for a program to read\n"
+    "  cat part*.xyz | tvmath fit sphere -         one sphere through the points of several files\n";
+
+// One line, whatever the message was made of.
+void complain(std::string message) {
+    std::replace(message.begin(), message.end(), '\n', ' ');
+    std::cerr << "tvmath: " << message << '\n';
+}
+
+exit_status run(int argc, char** argv) {
+    CLI::App app(std::string(examples) + "\nFits geometric features to measured points.", "tvmath");
+    app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
+    app.require_subcommand(1);
+
+    fit_request request;
+    std::string decimal;
+    CLI::App* const fit =
+        app.add_subcommand("fit", std::string(examples) + "\nFit a feature to the points of each file.");
+    fit->add_option("FEATURE", request.feature, "point, line, circle or sphere")
+        ->required()
+        ->type_name("")
+        ->check(CLI::IsMember({"point", "line", "circle", "sphere"}).description(""));
+    fit->add_option("FILE", request.files, "Points as CSV or XYZ text, 2 or 3 columns; - is standard input")
+        ->required()
+        ->type_name("");
+    fit->add_flag("--json", request.json, "Write JSON instead of text");
+    fit->add_option("--decimal", decimal, "The decimal mark of the numbers, when it is a comma")
+        ->type_name(",")
+        ->check(CLI::IsMember({","}).description(""));
+
+    try {
+        app.parse(argc, argv);
+        if (std::count(request.files.begin(), request.files.end(), "-") > 1) {
+            throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
+        }
+    } catch (CLI::ParseError const& error) {
+        // Success is how the parser reports --help and --version.
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            app.exit(error, std::cout, std::cerr);
+            return exit_status::done;
+        }
+        complain(std::string(error.what()) + " (tvmath --help shows examples)");
+        return exit_status::wrong_usage;
+    }
+    request.decimal_comma = decimal == ",";
+    return run_fit(request, std::cout, std::cerr);
+}
+
+}  // namespace
+}  // namespace tvmath
+
+int main(int argc, char** argv) {
+    try {
+        std::ios::sync_with_stdio(false);  // a pipe of a million points is read in large pieces
+        exit_status status = run(argc, argv);
+        // A full disk shows only here; a result that nobody got is no success.
+        if (!std::cout.flush()) {
+            complain("the results cannot be written to standard output");
+            status = exit_status::internal;
+        }
+        return static_cast<int>(status);
+    } catch (std::bad_alloc const&) {
+        complain("not enough memory");
+    } catch (std::exception const& error) {
+        complain(std::string("internal error: ") + error.what());
+    } catch (...) {
+        complain("internal error");
+    }
+    return static_cast<int>(exit_status::internal);
+}
