@@ -2,6 +2,9 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <memory>
+#include <new>
+#include <string>
 
 #include "exit_status.h"
 #include "fit_command.h"
@@ -17,6 +20,14 @@ char const* const examples =
     "  tvmath fit line left.csv right.csv --json   two lines, for a program to read\n"
     "  cat part*.xyz | tvmath fit sphere -         one sphere through the points of several files\n";
 
+// Sets the examples before the description of each help, but not into the list of commands.
+class examples_first : public CLI::Formatter {
+public:
+    std::string make_description(CLI::App const* app) const override {
+        return examples + ("\n" + CLI::Formatter::make_description(app));
+    }
+};
+
 // One line, whatever the message was made of.
 void complain(std::string message) {
     std::replace(message.begin(), message.end(), '\n', ' ');
@@ -24,14 +35,14 @@ void complain(std::string message) {
 }
 
 exit_status run(int argc, char** argv) {
-    CLI::App app(std::string(examples) + "\nFits geometric features to measured points.", "tvmath");
+    CLI::App app("Fits geometric features to measured points.", "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
+    app.formatter(std::make_shared<examples_first>());  // handed down to the commands
 
     fit_request request;
     std::string decimal;
-    CLI::App* const fit =
-        app.add_subcommand("fit", std::string(examples) + "\nFit a feature to the points of each file.");
+    CLI::App* const fit = app.add_subcommand("fit", "Fit a feature to the points of each file");
     fit->add_option("FEATURE", request.feature, "point, line, circle or sphere")
         ->required()
         ->type_name("")
