@@ -140,7 +140,9 @@ TEST(Scalar, TablesAreExact) {
                 ASSERT_EQ(stored, value) << n << " over " << k;
                 value = value * (n - k) / (k + 1);
             }
-            if (n <= 33) ASSERT_EQ(binomial32(n, k), binomial64(n, k));
+            if (n <= 33) {
+                ASSERT_EQ(binomial32(n, k), binomial64(n, k));
+            }
             sum += stored;
         }
         EXPECT_EQ(sum, n < 64 ? std::uint64_t{1} << n : 0) << n;
