@@ -13,10 +13,10 @@ TEST(WideString, ConvertsBothWays) {
     } const cases[] = {
         {"", {}},
         {"abc", {'a', 'b', 'c'}},
-        {"\xC3\x98 12", {0xD8, ' ', '1', '2'}},              // U+00D8
-        {"\xE2\x88\x9E", {0x221E}},                          // infinity
-        {"\xF0\x9F\x98\x80", {0xD83D, 0xDE00}},              // U+1F600
-        {std::string("a\0b", 3), {'a', 0, 'b'}},             // a zero is a character
+        {"\xC3\x98 12", {0xD8, ' ', '1', '2'}},                      // U+00D8
+        {"\xE2\x88\x9E", {0x221E}},                                  // infinity
+        {"\xF0\x9F\x98\x80", {0xD83D, 0xDE00}},                      // U+1F600
+        {std::string("a\0b", 3), {'a', 0, 'b'}},                     // a zero is a character
         {"\xEF\xBF\xBD\xF4\x8F\xBF\xBF", {0xFFFD, 0xDBFF, 0xDFFF}},  // U+FFFD, U+10FFFF
     };
     for (auto const& c : cases) {
@@ -41,7 +41,9 @@ TEST(WideString, ReplacesWhatIsNoText) {
     };
     for (auto const& c : cases) EXPECT_TRUE(to_wide(c.utf8) == c.wide) << c.name;
 
-    EXPECT_EQ(to_utf8(wide_string{'a', 0xD800, 'b'}), "a\xEF\xBF\xBD" "b");
+    EXPECT_EQ(to_utf8(wide_string{'a', 0xD800, 'b'}),
+              "a\xEF\xBF\xBD"
+              "b");
     EXPECT_EQ(to_utf8(wide_string{0xDC00, 0xD800}), "\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 

@@ -58,7 +58,8 @@ TEST(PointFit, OfAMillionFarPointsKeepsTheirLastDigit) {
         points.push_back(at(far - x, far + y));
     }
     point const centroid = point_fit(points);
-    // Pairs are symmetric about `far` but for the rounding of each coordinate, half an ulp of 1.2e-10, averaged.
+    // Pairs are symmetric about `far` but for the rounding of each coordinate, half an ulp of 1.2e-10,
+    // averaged.
     EXPECT_NEAR(centroid.x(), far, 1.2e-10);
     EXPECT_NEAR(centroid.y(), far, 1.2e-10);
 }
@@ -107,9 +108,11 @@ TEST(LineQuickFit, ReproducesPearsonsLine) {
 }
 
 TEST(LineQuickFit, FailsWithoutAPrincipalAxis) {
-    std::vector<point> const failing[] = {
-        {}, {at(1, 1)}, {at(0, 0), at(1, 0), at(1, 1), at(0, 1)}, {at(0, 0), point(), at(1, 1)},
-        {at(2, 2), at(2, 2), at(2, 2)}};
+    std::vector<point> const failing[] = {{},
+                                          {at(1, 1)},
+                                          {at(0, 0), at(1, 0), at(1, 1), at(0, 1)},
+                                          {at(0, 0), point(), at(1, 1)},
+                                          {at(2, 2), at(2, 2), at(2, 2)}};
     for (auto const& points : failing) {
         point center = at(7, 8), direction = at(9, 9);
         EXPECT_FALSE(line_quick_fit(points, center, direction)) << points.size() << " points";
@@ -132,12 +135,15 @@ TEST(CircleQuickFit, GivesCentreAndRadiusWorkedByHand) {
         // Sums of raw squares give a radius of 41 here.
         {"far away", {at(1e6 + 5, 0), at(1e6 + 4, 3), at(1e6 + 3, 4), at(1e6, 5)}, at(1e6, 0), 5},
         // Algebraic circle of the points of Gander, Golub and Strebel (1994), in exact rational arithmetic.
-        {"published", {at(1, 7), at(2, 6), at(5, 8), at(7, 7), at(9, 5), at(3, 7)},
-         at(4.742331288343558, 3.8351226993865031), 4.1087615223454492},
+        {"published",
+         {at(1, 7), at(2, 6), at(5, 8), at(7, 7), at(9, 5), at(3, 7)},
+         at(4.742331288343558, 3.8351226993865031),
+         4.1087615223454492},
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(c.name);
-        expect_circle(c.points, c.center, c.radius, 1e-12);  // some ulps at 1; the far case is exact in binary
+        expect_circle(c.points, c.center, c.radius,
+                      1e-12);  // some ulps at 1; the far case is exact in binary
     }
 }
 
@@ -153,21 +159,24 @@ TEST(CircleQuickFit, LeavesOutputsAloneWhenItFails) {
     }
 }
 
-// Property: noise-free points of any arc of half a radian or more give their circle back, at any size and distance.
+// Property: noise-free points of any arc of half a radian or more give their circle back, at any size and
+// distance.
 TEST(CircleQuickFit, RecoversTheCircleOfAnArc) {
     seeded_random random(20250101);
     for (int trial = 0; trial < 500; ++trial) {
         SCOPED_TRACE(trial);
         double const radius = random.log_uniform(1e-3, 1e5), far = random.log_uniform(1e-3, 1e6);
         point const center = at(random.uniform(-far, far), random.uniform(-far, far));
-        std::vector<point> points = circle_points(random, center, radius, random.uniform(0, 6), random.uniform(0.5, 6), 40);
-        // Coordinates are rounded by an ulp of their size; half a radian of arc magnifies that a few hundred times.
+        std::vector<point> points =
+            circle_points(random, center, radius, random.uniform(0, 6), random.uniform(0.5, 6), 40);
+        // Coordinates are rounded by an ulp of their size; half a radian of arc magnifies that a few hundred
+        // times.
         expect_circle(points, center, radius, (far + radius) * 1.1e-16 * 1000);
     }
 }
 
-// A form of three lobes is orthogonal to all that a circle can follow (constant, cos, sin): over equal steps of a full
-// turn the algebraic centre is the true one, and r² is the mean square of the radii.
+// A form of three lobes is orthogonal to all that a circle can follow (constant, cos, sin): over equal steps
+// of a full turn the algebraic centre is the true one, and r² is the mean square of the radii.
 TEST(CircleQuickFit, OfAMillionLobedPointsFarAwayKeepsTheDigitsOfTheData) {
     constexpr int n = 1000000;
     point const center = at(1e6, -1e6);
@@ -185,7 +194,8 @@ TEST(SphereQuickFit, GivesCentreAndRadiusWorkedByHand) {
     point center;
     double radius = 0;
     // Octahedron: all six on the sphere of radius 2 about (1, 2, 3).
-    std::vector<point> const octahedron = {at(3, 2, 3), at(-1, 2, 3), at(1, 4, 3), at(1, 0, 3), at(1, 2, 5), at(1, 2, 1)};
+    std::vector<point> const octahedron = {at(3, 2, 3), at(-1, 2, 3), at(1, 4, 3),
+                                           at(1, 0, 3), at(1, 2, 5),  at(1, 2, 1)};
     ASSERT_TRUE(sphere_quick_fit(octahedron, center, radius));
     EXPECT_LE(distance3d(center, at(1, 2, 3)), 1e-15);
     EXPECT_NEAR(radius, 2, 1e-15);

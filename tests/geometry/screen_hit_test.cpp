@@ -18,7 +18,7 @@ TEST(ScreenHit, FindsThePolylineWithinItsTolerance) {
         int tolerance;
         bool hit;
     } const cases[] = {
-        {{5, 2}, 2, true},   {{5, 3}, 2, false},  {{12, 5}, 2, true},  {{-2, 0}, 2, true},
+        {{5, 2}, 2, true},   {{5, 3}, 2, false},  {{12, 5}, 2, true}, {{-2, 0}, 2, true},
         {{-3, 0}, 2, false}, {{11, 12}, 2, true},  // in the box of the segment of length 0
         {{5, 0}, 0, true},   {{5, 5}, 4, false},
     };
@@ -41,7 +41,8 @@ bool clipped(int x0, int y0, int x1, int y1, int left, int top, int right, int b
     long double enter = 0, leave = 1;
     auto const clip = [&](int from, int step, int low, int high) {
         if (step == 0) return low <= from && from <= high;
-        long double a = static_cast<long double>(low - from) / step, b = static_cast<long double>(high - from) / step;
+        long double a = static_cast<long double>(low - from) / step,
+                    b = static_cast<long double>(high - from) / step;
         if (a > b) std::swap(a, b);
         enter = std::max(enter, a);
         leave = std::min(leave, b);
@@ -58,7 +59,8 @@ TEST(ScreenHit, LineIntersectsRectangleAsClippingTells) {
         int const x0 = coordinate(), y0 = coordinate(), x1 = coordinate(), y1 = coordinate();
         bool const expected = clipped(x0, y0, x1, y1, -3, -2, 4, 3);
         hits += expected;
-        ASSERT_EQ(line_intersects_rect(x0, y0, x1, y1, -3, -2, 4, 3), expected) << x0 << " " << y0 << " " << x1 << " " << y1;
+        ASSERT_EQ(line_intersects_rect(x0, y0, x1, y1, -3, -2, 4, 3), expected)
+            << x0 << " " << y0 << " " << x1 << " " << y1;
         ASSERT_EQ(line_intersects_rect(x1, y1, x0, y0, 4, 3, -3, -2), expected);
     }
     EXPECT_GT(hits, 10000);

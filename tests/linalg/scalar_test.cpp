@@ -62,7 +62,8 @@ TEST(Scalar, InverseHyperbolicFunctionsAreOddAndTellTheirDomain) {
     for (double const undefined : {arctanh(1), arctanh(-1), arctanh(2), arccosh(0.5), arccosh(-3)}) {
         EXPECT_EQ(std::bit_cast<std::uint64_t>(undefined) >> 32, 0xFFF80000u);
     }
-    for (auto const function : {arccosh, arcsinh, arctanh, sinc}) EXPECT_TRUE(std::isnan(function(std::nan(""))));
+    for (auto const function : {arccosh, arcsinh, arctanh, sinc})
+        EXPECT_TRUE(std::isnan(function(std::nan(""))));
 }
 
 TEST(Scalar, ReciprocalFunctionsInvertEachOther) {
@@ -89,7 +90,8 @@ TEST(Scalar, QuadrantsIncludeTheirLowerBound) {
     struct {
         double angle;
         int expected;
-    } const angles[] = {{0, 0}, {2 * pi, 0}, {-0.1, 3}, {1, 0}, {2, 1}, {4, 2}, {5, 3}, {pi / 2, 1}, {-pi, 2}};
+    } const angles[] = {{0, 0}, {2 * pi, 0}, {-0.1, 3},   {1, 0},  {2, 1},
+                        {4, 2}, {5, 3},      {pi / 2, 1}, {-pi, 2}};
     for (auto const& a : angles) EXPECT_EQ(quadrant(a.angle), a.expected) << a.angle;
 
     // Rows y = 1, 0, -1; columns x = -1, 0, 1.
