@@ -230,7 +230,12 @@ inline void carry3d(point& p, double const* m) {
         y += m[7] * p.z();
         z += m[11] * p.z();
     }
-    p = p[0] != 0.0 ? point(true, x + m[0], y + m[4], z + m[8]) : point(false, x, y, z);
+    p.promote3d();
+    bool const moved = p[0] != 0.0;
+    p[0] = moved ? 1.0 : 0.0;
+    p.x() = moved ? x + m[0] : x;
+    p.y() = moved ? y + m[4] : y;
+    p.z() = moved ? z + m[8] : z;
 }
 
 }  // namespace transform_detail
