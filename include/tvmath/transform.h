@@ -230,12 +230,17 @@ inline void carry3d(point& p, double const* m) {
         y += m[7] * p.z();
         z += m[11] * p.z();
     }
-    p.promote3d();
     bool const moved = p[0] != 0.0;
+    if (moved) {
+        x += m[0];
+        y += m[4];
+        z += m[8];
+    }
+    p.promote3d();
     p[0] = moved ? 1.0 : 0.0;
-    p.x() = moved ? x + m[0] : x;
-    p.y() = moved ? y + m[4] : y;
-    p.z() = moved ? z + m[8] : z;
+    p.x() = x;
+    p.y() = y;
+    p.z() = z;
 }
 
 }  // namespace transform_detail
