@@ -1,5 +1,5 @@
-#include <cstdio>
 #include <tvmath/tvmath.h>
+#include <cstdio>
 #include <vector>
 
 // Six points touched in a hole; the circle through their midst.

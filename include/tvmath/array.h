@@ -54,7 +54,7 @@ public:
     template <class filler>
     static array_storage* make(std::uint32_t n, filler fill) {
         static_assert(alignof(T) <= alignof(std::max_align_t), "elements lie behind the fixed fields");
-        void* const block = ::operator new(fixed_part() + std::size_t{n} * sizeof(T), std::nothrow);
+        void* const block = ::operator new (fixed_part() + std::size_t{n} * sizeof(T), std::nothrow);
         if (!block) return nullptr;
         array_storage* const fresh = ::new (block) array_storage(n);
         std::uint32_t built = 0;
@@ -139,7 +139,8 @@ public:
         : base(made(n, [&](T* to, auto& built) { construct_equal(to, built, n, value); })) {
         base::element();
     }
-    /// `n` elements copied from `source`. A template, so that `array(3, 0)` is three zeros and no null pointer.
+    /// `n` elements copied from `source`. A template, so that `array(3, 0)` is three zeros and no null
+    /// pointer.
     template <std::same_as<T> S>
     array(unsigned int n, S const* source)
         : base(made(n, [&](T* to, auto& built) { construct_copies(to, built, n, source); })) {
@@ -172,8 +173,8 @@ public:
     /// True for the empty list.
     bool is_trivial() const { return capacity() == 0; }
 
-    /// Changes the size; new elements are as those of `array(n)`. The present size leaves the block alone, even
-    /// when it is shared; any other size makes a new block.
+    /// Changes the size; new elements are as those of `array(n)`. The present size leaves the block alone,
+    /// even when it is shared; any other size makes a new block.
     void redim(unsigned int n) {
         if (n != capacity()) *this = array(n, std::min(n, capacity()), begin());
     }
@@ -193,12 +194,15 @@ public:
     void reverse_self() { *this = reverse_copy(); }
 
     static void swap(array& a, array& b) noexcept { base::swap(a, b); }
-    static constexpr bool optimize_ctor() { return false; }  ///< Every new list needs an empty block of its own.
+    static constexpr bool optimize_ctor() {
+        return false;
+    }  ///< Every new list needs an empty block of its own.
 
 protected:
     /// The copy-on-write step: afterwards the block belongs to this handle alone.
     void lazycopy() {
-        // Acquire, so that reads through a handle that another thread has just released stand before our writes.
+        // Acquire, so that reads through a handle that another thread has just released stand before our
+        // writes.
         if (base::element().reference_count.load(std::memory_order_acquire) <= 1) return;
         *this = array(capacity(), begin());
     }
@@ -209,10 +213,11 @@ private:
         return array_storage<T>::make(n, fill);
     }
     // The first m elements from source, the rest new.
-    array(unsigned int n, unsigned int m, T const* source) : base(made(n, [&](T* to, auto& built) {
-            construct_copies(to, built, m, source);
-            construct_new(to, built, n - m);
-        })) {
+    array(unsigned int n, unsigned int m, T const* source)
+        : base(made(n, [&](T* to, auto& built) {
+              construct_copies(to, built, m, source);
+              construct_new(to, built, n - m);
+          })) {
         base::element();
     }
     // The first m elements from source, the rest equal to value.

@@ -32,8 +32,8 @@ public:
     ref(ref&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)), count_(std::exchange(other.count_, nullptr)) {}
     template <std::derived_from<T> D>
-        requires(!std::same_as<D, T>)
-    ref(ref<D> const& other) noexcept : object_(other.object_), count_(other.count_) {
+    requires(!std::same_as<D, T>) ref(ref<D> const& other)
+    noexcept : object_(other.object_), count_(other.count_) {
         static_assert(std::has_virtual_destructor_v<T>, "the object dies through this type");
         take();
     }

@@ -15,8 +15,8 @@ class vector;
 ///
 /// Locations (weight 1) are moved by translations, directions (weight exactly 0) are not. Where points of
 /// different dimension meet, the lower one is raised (`promote`): a trivial point becomes the 2D origin, a 2D
-/// point gets z = 0. Lengths are in the caller's units, angles in radians, anticlockwise from +X. Comparison is
-/// exact; nothing here raises, and a trivial operand gives 0.0 or the trivial point.
+/// point gets z = 0. Lengths are in the caller's units, angles in radians, anticlockwise from +X. Comparison
+/// is exact; nothing here raises, and a trivial operand gives 0.0 or the trivial point.
 ///
 /// Plain bits: 40 bytes, zero-filled when trivial, copied as bytes.
 class TVMATH_API point {
@@ -92,8 +92,9 @@ public:
     /// Scales x, y (z); a factor of exactly 1 changes nothing, nor does any factor a trivial point.
     point& operator*=(double s);
     point& operator/=(double s);
-    /// Carries the point through the transform: a location with the offset, a direction without. A 2D transform
-    /// keeps dimension and z; a 3D transform makes the point 3D. A trivial point becomes the transform's origin.
+    /// Carries the point through the transform: a location with the offset, a direction without. A 2D
+    /// transform keeps dimension and z; a 3D transform makes the point 3D. A trivial point becomes the
+    /// transform's origin.
     point& operator*=(transform const& t);
     /// The same through the inverse of the transform.
     point& operator/=(transform const& t);
@@ -112,8 +113,8 @@ public:
     point& rotate_90();
     point& rotate_180();
     point& rotate_270();
-    /// Turns right-handed about an axis through the origin, +Z when the axis has length 0. The axis counts as a
-    /// direction whatever its weight. The result is 3D. Source: Rodrigues' rotation formula.
+    /// Turns right-handed about an axis through the origin, +Z when the axis has length 0. The axis counts as
+    /// a direction whatever its weight. The result is 3D. Source: Rodrigues' rotation formula.
     point& rotate(point axis, double angle);
     point& shear_x(double a);            ///< x += a y
     point& shear_y(double a);            ///< y += a x
@@ -271,8 +272,8 @@ inline point normalize(point p) {
 }
 
 /// Mean of two points in space, or the bisector, of unit length, of two directions. A direction outranks a
-/// location: of one of each, the direction comes back as it is. Two points of which none is 3D give the trivial
-/// point; their midpoint is `midpoint2d`.
+/// location: of one of each, the direction comes back as it is. Two points of which none is 3D give the
+/// trivial point; their midpoint is `midpoint2d`.
 TVMATH_API point midpoint(point a, point b);
 /// The same for the projections of both points into XY; the result is 2D.
 TVMATH_API point midpoint2d(point a, point b);

@@ -7,8 +7,9 @@ inline namespace tvmath {
 
 /// Axis-aligned rectangle in measurement space, where y grows upward; lengths in the caller's units.
 ///
-/// The normal form has `left` at most `right` and `bottom` at most `top`. Functions keep the order left, bottom,
-/// right, top; the fields stand in another, so name them. The default is the null rectangle, all four 0.
+/// The normal form has `left` at most `right` and `bottom` at most `top`. Functions keep the order left,
+/// bottom, right, top; the fields stand in another, so name them. The default is the null rectangle, all four
+/// 0.
 class TVMATH_API CRealRect {
 public:
     double left = 0, top = 0, right = 0, bottom = 0;
@@ -60,13 +61,14 @@ public:
     /// True strictly inside: a point on a side is out, and so is a trivial point.
     bool PtInRect(point const& p) const;
 
-    /// Becomes the common part of both, or the null rectangle when there is none. Returns whether it is not empty.
+    /// Becomes the common part of both, or the null rectangle when there is none. Returns whether it is not
+    /// empty.
     bool IntersectRect(CRealRect a, CRealRect b);
     /// Becomes the extent of both; a null rectangle adds nothing. Returns whether it is not empty.
     bool UnionRect(CRealRect a, CRealRect b);
-    /// Becomes a without b where what is left is a rectangle: b must span a's full width or height and reach from
-    /// inside over one side. Otherwise it becomes a, also when b covers strictly more than a on all sides.
-    /// Returns whether it is not empty; false when either is null.
+    /// Becomes a without b where what is left is a rectangle: b must span a's full width or height and reach
+    /// from inside over one side. Otherwise it becomes a, also when b covers strictly more than a on all
+    /// sides. Returns whether it is not empty; false when either is null.
     bool SubtractRect(CRealRect a, CRealRect b);
     CRealRect& operator&=(CRealRect const& r);
     CRealRect& operator|=(CRealRect const& r);

@@ -79,8 +79,8 @@ inline double arctan(double y, double x) {
 /// would cancel; above 8192 the first terms of the asymptotic series avoid squaring x.
 TVMATH_API double arccosh(double x);
 
-/// Inverse hyperbolic sine, odd, within a few ulp; a rational approximation up to 1, the asymptotic series above
-/// 8192.
+/// Inverse hyperbolic sine, odd, within a few ulp; a rational approximation up to 1, the asymptotic series
+/// above 8192.
 TVMATH_API double arcsinh(double x);
 
 /// Inverse hyperbolic tangent, odd, within a few ulp. `domain_error_value` for a magnitude of 1 or more.

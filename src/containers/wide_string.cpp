@@ -1,7 +1,7 @@
 #include "tvmath/wide_string.h"
 
-#include <iterator>
 #include <utf8.h>
+#include <iterator>
 
 inline namespace tvmath {
 

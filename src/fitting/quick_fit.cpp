@@ -3,6 +3,8 @@
 #include <cmath>
 #include <span>
 
+#include "fitting/point_lanes.h"
+
 inline namespace tvmath {
 namespace {
 
@@ -13,36 +15,41 @@ point_span span_of(idioms::array<point> const& points) {
     return {points.begin(), points.end()};
 }
 
-// A running sum with the rounding error of every addition kept beside it: far from the origin a plain sum of 1e6
-// coordinates loses up to three digits that the points still have.
-// Source: D. Knuth, TAOCP 2, 4.2.2, theorem B (the error of an addition, without a branch).
-struct compensated_sum {
-    double sum = 0, error = 0;
+// Sums of all points with the rounding error of every addition kept beside them: far from the origin a plain
+// sum of 1e6 coordinates loses up to three digits that the points still have. Source: D. Knuth, TAOCP
+// 2, 4.2.2, theorem B (the error of an addition, without a branch).
+struct coordinate_sums {
+    point_lanes sum{}, error{};
+    std::size_t count_3d = 0;
+    bool any_trivial = false;
 
-    void add(double x) {
-        double const next = sum + x, of_x = next - sum;
-        error += (sum - (next - of_x)) + (x - of_x);
-        sum = next;
-    }
     // The sum alone where it ran over: the error is NaN then.
-    double value() const { return std::isfinite(error) ? sum + error : sum; }
+    double value(int lane) const { return std::isfinite(error[lane]) ? sum[lane] + error[lane] : sum[lane]; }
 };
+
+TVMATH_WIDE_LOOP coordinate_sums sum_coordinates(point_span points) {
+    point_lanes sum{}, error{};
+    std::size_t count_3d = 0;
+    bool any_trivial = false;
+    for (point const& p : points) {
+        point_lanes term;
+        TVMATH_LOAD_LANES(term, p);
+        point_lanes const next = sum + term, of_term = next - sum;
+        error += (sum - (next - of_term)) + (term - of_term);
+        sum = next;
+        count_3d += p.is_3d();
+        any_trivial |= p.is_trivial();
+    }
+    return {sum, error, count_3d, any_trivial};
+}
 
 point centroid_of(point_span points) {
     if (points.empty()) return point();
-    compensated_sum x, y, z;
-    std::size_t count_3d = 0;
-    for (point const& p : points) {
-        if (p.is_trivial()) return point();
-        x.add(p.x());
-        y.add(p.y());
-        if (!p.is_3d()) continue;
-        z.add(p.z());
-        ++count_3d;
-    }
-    double const n = static_cast<double>(points.size());
-    if (count_3d == points.size()) return point(true, x.value() / n, y.value() / n, z.value() / n);
-    return point(true, x.value() / n, y.value() / n);
+    coordinate_sums const sums = sum_coordinates(points);
+    if (sums.any_trivial) return point();
+    double const n = static_cast<double>(points.size()), x = sums.value(1) / n, y = sums.value(2) / n;
+    if (sums.count_3d == points.size()) return point(true, x, y, sums.value(3) / n);
+    return point(true, x, y);
 }
 
 bool fit_line(point_span points, point& center, point& direction) {
@@ -65,16 +72,16 @@ bool fit_line(point_span points, point& center, point& direction) {
     // Exact on purpose: any difference, however small, is a principal axis that the data has.
     if (uu == vv && uv == 0.0) return false;
 
-    // With t the axis' angle: a = h cos 2t, b = h sin 2t, and (a + b + h, b - a + h) is a multiple of (cos t, sin t).
-    // For negative b its terms would cancel; the other multiple has none.
+    // With t the axis' angle: a = h cos 2t, b = h sin 2t, and (a + b + h, b - a + h) is a multiple of (cos t,
+    // sin t). For negative b its terms would cancel; the other multiple has none.
     double const a = uu - vv, b = 2 * uv, h = std::sqrt(a * a + b * b);
     direction = normalize(b >= 0 ? point(false, a + b + h, b - a + h) : point(false, a - b + h, a + b - h));
     center = centroid;
     return true;
 }
 
-// Sums over u = x - cx and v = y - cy. Relative to the centroid, because uu vv - uv² cancels: at coordinates of
-// 1e6, sums of raw squares keep no digit of a radius of 5.
+// Sums over u = x - cx and v = y - cy. Relative to the centroid, because uu vv - uv² cancels: at coordinates
+// of 1e6, sums of raw squares keep no digit of a radius of 5.
 bool fit_circle(point_span points, point& center, double& radius) {
     point const centroid = centroid_of(points);
     if (centroid.is_trivial() || points.size() < 3) return false;
@@ -93,8 +100,8 @@ bool fit_circle(point_span points, point& center, double& radius) {
     //     uu a + uv b = uuu / 2
     //     uv a + vv b = vvv / 2        and  r² = (uu + vv) / n + a² + b².     Cramer's rule:
     double const d = 2 * (uu * vv - uv * uv);
-    // Exact on purpose: nearly collinear points are an honest, very large circle, and a tolerance would need a
-    // length scale that the caller's units do not give us.
+    // Exact on purpose: nearly collinear points are an honest, very large circle, and a tolerance would need
+    // a length scale that the caller's units do not give us.
     if (d == 0.0) return false;
 
     double const a = (uuu * vv - vvv * uv) / d;
@@ -102,6 +109,30 @@ bool fit_circle(point_span points, point& center, double& radius) {
     center = centroid + point(false, a, b);
     radius = std::sqrt((uu + vv) / static_cast<double>(points.size()) + a * a + b * b);
     return true;
+}
+
+// Sums over u, v, w relative to the centroid, in lanes 1 to 3.
+struct space_scatter {
+    point_lanes squares{};   // uu, vv, ww
+    point_lanes products{};  // uv, vw, wu
+    point_lanes moments{};   // of s u, s v and s w, s = u² + v² + w²
+};
+
+TVMATH_WIDE_LOOP space_scatter scatter_in_space(point_span points, point const& centroid) {
+    point_lanes center, squares{}, products{}, moments{};
+    TVMATH_LOAD_LANES(center, centroid);
+    for (point const& p : points) {
+        point_lanes term;
+        TVMATH_LOAD_LANES(term, p);
+        point_lanes const d = term - center;
+        point_lanes const next = {d[0], d[2], d[3], d[1]};
+        point_lanes const dd = d * d;
+        double const s = dd[1] + dd[2] + dd[3];
+        squares += dd;
+        products += d * next;
+        moments += d * s;
+    }
+    return {squares, products, moments};
 }
 
 }  // namespace
@@ -134,25 +165,15 @@ bool sphere_quick_fit(std::vector<point> const& points, point& center, double& r
     if (points.size() < 4) return false;
     point const centroid = centroid_of(points);
     if (!centroid.is_3d()) return false;
-    double uu = 0, vv = 0, ww = 0, uv = 0, vw = 0, wu = 0;
-    double x = 0, y = 0, z = 0;  // of s u, s v and s w, s = u² + v² + w²
-    for (point const& p : points) {
-        double const u = p.x() - centroid.x(), v = p.y() - centroid.y(), w = p.z() - centroid.z();
-        double const s = u * u + v * v + w * w;
-        uu += u * u;
-        vv += v * v;
-        ww += w * w;
-        uv += u * v;
-        vw += v * w;
-        wu += w * u;
-        x += u * s;
-        y += v * s;
-        z += w * s;
-    }
+    space_scatter const sums = scatter_in_space(points, centroid);
+    double const uu = sums.squares[1], uv = sums.products[1], wu = sums.products[3];
+    double vv = sums.squares[2], ww = sums.squares[3], vw = sums.products[2];
+    double const x = sums.moments[1];
+    double y = sums.moments[2], z = sums.moments[3];
     double const total = uu + vv + ww;
 
-    // Normal equations: the scatter matrix times twice the centre is (x, y, z). Gaussian elimination in fixed order
-    // is safe without pivoting, because the scatter matrix is positive semidefinite.
+    // Normal equations: the scatter matrix times twice the centre is (x, y, z). Gaussian elimination in fixed
+    // order is safe without pivoting, because the scatter matrix is positive semidefinite.
     if (uu == 0.0) return false;
     double const l1 = uv / uu, l2 = wu / uu;
     vv -= l1 * uv;

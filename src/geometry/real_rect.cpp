@@ -81,8 +81,8 @@ bool finish(CRealRect& r) {
     return !r.IsRectEmpty();
 }
 
-// Cuts [low, high] by what [from, to] covers of it, where that reaches over an end. When it reaches over both ends
-// exactly, the interval comes out inverted, which empties the rectangle.
+// Cuts [low, high] by what [from, to] covers of it, where that reaches over an end. When it reaches over both
+// ends exactly, the interval comes out inverted, which empties the rectangle.
 void cut_interval(double& low, double& high, double from, double to) {
     bool const over_high = low <= from && from <= high && to >= high;
     bool const over_low = low <= to && to <= high && from <= low;

@@ -23,7 +23,8 @@ bool is_hit(tagPOINT p, tagPOINT a, tagPOINT b, wide tolerance) {
     return std::fabs((py * dx - px * dy) / length) <= static_cast<double>(tolerance);
 }
 
-// Sign of a b - c d for factors below 2^32 in magnitude: each product fits in 64 unsigned bits, its sign apart.
+// Sign of a b - c d for factors below 2^32 in magnitude: each product fits in 64 unsigned bits, its sign
+// apart.
 int sign_of_determinant(wide a, wide b, wide c, wide d) {
     auto const sign = [](wide x) { return x < 0 ? -1 : x > 0 ? 1 : 0; };
     auto const magnitude = [](wide x) { return static_cast<std::uint64_t>(x < 0 ? -x : x); };
@@ -56,8 +57,8 @@ bool line_intersects_rect(int x0, int y0, int x1, int y1, int left, int top, int
     if (start == 0 || end == 0) return true;
     if ((start | end) == 3 || (start | end) == 12) return true;
 
-    // The ends lie about a corner: the segment misses the rectangle exactly when all four corners are strictly on
-    // one side of its line, which compares its slope with those from the start to the corners.
+    // The ends lie about a corner: the segment misses the rectangle exactly when all four corners are
+    // strictly on one side of its line, which compares its slope with those from the start to the corners.
     auto const side = [&](int x, int y) {
         return sign_of_determinant(wide{x1} - x0, wide{y} - y0, wide{y1} - y0, wide{x} - x0);
     };

@@ -10,7 +10,8 @@ template <class integer, unsigned int count>
 constexpr std::array<integer, count> factorials() {
     std::array<integer, count> table{};
     table[0] = 1;
-    for (unsigned int n = 1; n < count; ++n) table[n] = static_cast<integer>(table[n - 1] * static_cast<integer>(n));
+    for (unsigned int n = 1; n < count; ++n)
+        table[n] = static_cast<integer>(table[n - 1] * static_cast<integer>(n));
     return table;
 }
 

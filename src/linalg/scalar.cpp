@@ -29,7 +29,7 @@ double poly(double x, int n, double const* c) {
 
 double arccosh(double x) {
     // Minimax quotient of arccosh(x) / sqrt(2 (x - 1)) on [1, 1.5].
-    static constexpr double p[] = {1.110720670229621,  1.6625582473810652,    0.7419955187885396,
+    static constexpr double p[] = {1.110720670229621,   1.6625582473810652,    0.7419955187885396,
                                    0.10394316401314324, 0.0028363261514599497, -1.4651415589483999e-05};
     static constexpr double q[] = {1.0, 1.633447490129144, 0.8345047245427262, 0.14731775033225428,
                                    0.006769310144114903};

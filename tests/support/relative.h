@@ -13,8 +13,8 @@ inline testing::AssertionResult near_at_scale(double actual, double expected, do
                                               char const* reason) {
     double const error = std::fabs(actual - expected) / scale;
     if (error <= tolerance || actual == expected) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << actual << " differs from " << expected << " by " << error << " of " << scale
-                                       << "; allowed " << tolerance << ": " << reason;
+    return testing::AssertionFailure() << actual << " differs from " << expected << " by " << error << " of "
+                                       << scale << "; allowed " << tolerance << ": " << reason;
 }
 
 /// The same relative to the expected value itself.

@@ -27,8 +27,8 @@ public:
     unsigned int below(unsigned int n) { return static_cast<unsigned int>(bits() % n); }
     bool coin() { return (bits() >> 63) != 0; }
 
-    /// In [lo, hi), every decade as likely as the next; lo above 0. By rejection, so that no logarithm is taken:
-    /// an octave is drawn, a mantissa m in it with density 1/m, and what falls outside is drawn again.
+    /// In [lo, hi), every decade as likely as the next; lo above 0. By rejection, so that no logarithm is
+    /// taken: an octave is drawn, a mantissa m in it with density 1/m, and what falls outside is drawn again.
     double log_uniform(double lo, double hi) {
         int const first = std::ilogb(lo), last = std::ilogb(hi);
         for (;;) {

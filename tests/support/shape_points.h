@@ -15,8 +15,8 @@ inline point at(double x, double y, double z) {
     return point(true, x, y, z);
 }
 
-/// `n` points at equal angles from `start` to `start + span` of a circle, each off it by `noise` times a normal
-/// number along the radius.
+/// `n` points at equal angles from `start` to `start + span` of a circle, each off it by `noise` times a
+/// normal number along the radius.
 inline std::vector<point> circle_points(seeded_random& random, point center, double radius, double start,
                                         double span, int n, double noise = 0) {
     std::vector<point> points;

@@ -3,7 +3,8 @@
 #include <cstring>
 #include <string>
 
-// Uses a header-only class, an exported class and an exported function; exits 0 when all give what they should.
+// Uses a header-only class, an exported class and an exported function; exits 0 when all give what they
+// should.
 int main() {
     idioms::array<point> points(3, point(true, 1, 2));
     points(1) = point(true, 3, 2);
