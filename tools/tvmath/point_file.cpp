@@ -324,7 +324,9 @@ std::string shown_name(std::string const& name) {
 }
 
 std::string error_text(std::string const& name, read_error const& error) {
-    return shown_name(name) + (error.line ? ":" + std::to_string(error.line) : "") + ": " + error.reason;
+    std::string text = shown_name(name);
+    if (error.line != 0) text.append(1, ':').append(std::to_string(error.line));
+    return text.append(": ").append(error.reason);
 }
 
 }  // namespace tvmath
