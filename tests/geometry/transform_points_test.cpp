@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <vector>
 
 #include "support/seeded_random.h"
 #include "support/shape_points.h"
@@ -163,6 +162,12 @@ TEST(Transform, ProjectsToTwoDimensionsWithAFreshInverse) {
     EXPECT_EQ(at(1, 1) * t, at(1 + 1 + 2 * 3 + 5 * 3, 3));
     expect_near(at(23, 3) / t, at(1, 1));
     EXPECT_TRUE(transform().project2d() == transform::rotation(0.0));
+}
+
+TEST(Transform, ReversesOnlyTheOffsetWhenAxisZeroIsFlipped) {
+    transform const t = transform::rotation_90().translate(5, 6).flip_axis(0);
+    EXPECT_EQ(at(1, 2) * t, at(-7, -5));
+    EXPECT_EQ(at(-7, -5) / t, at(1, 2));
 }
 
 TEST(Transform, MakesItselfRightHanded) {

@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
-#include <vector>
+#include <string>
 
 #include "support/seeded_random.h"
 
@@ -16,11 +17,11 @@ namespace {
 using real = long double;
 using matrix = std::array<std::array<real, 4>, 4>;
 
-matrix linear(std::array<real, 9> a) {
-    return {{{a[0], a[1], a[2], 0}, {a[3], a[4], a[5], 0}, {a[6], a[7], a[8], 0}, {0, 0, 0, 1}}};
+matrix linear(real a, real b, real c, real d, real e, real f, real g, real h, real i) {
+    return {{{a, b, c, 0}, {d, e, f, 0}, {g, h, i, 0}, {0, 0, 0, 1}}};
 }
 
-matrix const one = linear({1, 0, 0, 0, 1, 0, 0, 0, 1});
+matrix const one = linear(1, 0, 0, 0, 1, 0, 0, 0, 1);
 
 matrix shift(real x, real y, real z) {
     matrix m = one;
@@ -73,7 +74,7 @@ matrix nothing(real, real) {
 }
 
 matrix turn(real a) {
-    return linear({std::cos(a), -std::sin(a), 0, std::sin(a), std::cos(a), 0, 0, 0, 1});
+    return linear(std::cos(a), -std::sin(a), 0, std::sin(a), std::cos(a), 0, 0, 0, 1);
 }
 
 step const steps[] = {
@@ -82,37 +83,21 @@ step const steps[] = {
     {"rotate", true, [](transform& t, double a, double) { t.rotate(a); },
      [](real a, real) { return turn(a); }},
     {"rotate_90", true, [](transform& t, double, double) { t.rotate_90(); },
-     [](real, real) {
-         return linear({0, -1, 0, 1, 0, 0, 0, 0, 1});
-     }},
+     [](real, real) { return linear(0, -1, 0, 1, 0, 0, 0, 0, 1); }},
     {"rotate_180", true, [](transform& t, double, double) { t.rotate_180(); },
-     [](real, real) {
-         return linear({-1, 0, 0, 0, -1, 0, 0, 0, 1});
-     }},
+     [](real, real) { return linear(-1, 0, 0, 0, -1, 0, 0, 0, 1); }},
     {"rotate_270", true, [](transform& t, double, double) { t.rotate_270(); },
-     [](real, real) {
-         return linear({0, 1, 0, -1, 0, 0, 0, 0, 1});
-     }},
+     [](real, real) { return linear(0, 1, 0, -1, 0, 0, 0, 0, 1); }},
     {"dilate 2D", true, [](transform& t, double a, double b) { t.dilate(1 + a / 2, 1 + b / 2); },
-     [](real a, real b) {
-         return linear({1 + a / 2, 0, 0, 0, 1 + b / 2, 0, 0, 0, 1});
-     }},
+     [](real a, real b) { return linear(1 + a / 2, 0, 0, 0, 1 + b / 2, 0, 0, 0, 1); }},
     {"shear_x 2D", true, [](transform& t, double a, double) { t.shear_x(a); },
-     [](real a, real) {
-         return linear({1, a, 0, 0, 1, 0, 0, 0, 1});
-     }},
+     [](real a, real) { return linear(1, a, 0, 0, 1, 0, 0, 0, 1); }},
     {"shear_y 2D", true, [](transform& t, double a, double) { t.shear_y(a); },
-     [](real a, real) {
-         return linear({1, 0, 0, a, 1, 0, 0, 0, 1});
-     }},
+     [](real a, real) { return linear(1, 0, 0, a, 1, 0, 0, 0, 1); }},
     {"flip_axis 1", true, [](transform& t, double, double) { t.flip_axis(1); }, nothing,
-     [](real, real) {
-         return linear({-1, 0, 0, 0, 1, 0, 0, 0, 1});
-     }},
+     [](real, real) { return linear(-1, 0, 0, 0, 1, 0, 0, 0, 1); }},
     {"exchange_axes 1 2", true, [](transform& t, double, double) { t.exchange_axes(1, 2); }, nothing,
-     [](real, real) {
-         return linear({0, 1, 0, 1, 0, 0, 0, 0, 1});
-     }},
+     [](real, real) { return linear(0, 1, 0, 1, 0, 0, 0, 0, 1); }},
     {"multiply 2D", true,
      [](transform& t, double a, double b) { t *= transform::rotation(a).translate(b, 1); },
      [](real a, real b) { return product(shift(b, 1, 0), turn(a)); }},
@@ -122,46 +107,28 @@ step const steps[] = {
      [](real a, real b) { return shift(a, b, a - b); }},
     {"rotate 3D", false, [](transform& t, double a, double b) { t.rotate(a, 0, b); },
      [](real a, real b) {
-         matrix const about_x = linear({1, 0, 0, 0, std::cos(b), -std::sin(b), 0, std::sin(b), std::cos(b)});
+         matrix const about_x = linear(1, 0, 0, 0, std::cos(b), -std::sin(b), 0, std::sin(b), std::cos(b));
          return product(turn(a), about_x);
      }},
     {"rotate about Y", false, [](transform& t, double a, double) { t.rotate(point(false, 0, 2, 0), a); },
-     [](real a, real) {
-         return linear({std::cos(a), 0, std::sin(a), 0, 1, 0, -std::sin(a), 0, std::cos(a)});
-     }},
+     [](real a, real) { return linear(std::cos(a), 0, std::sin(a), 0, 1, 0, -std::sin(a), 0, std::cos(a)); }},
     {"dilate 3D", false, [](transform& t, double a, double b) { t.dilate(1 + a / 2, 1 + b / 2, 1 - a / 2); },
-     [](real a, real b) {
-         return linear({1 + a / 2, 0, 0, 0, 1 + b / 2, 0, 0, 0, 1 - a / 2});
-     }},
+     [](real a, real b) { return linear(1 + a / 2, 0, 0, 0, 1 + b / 2, 0, 0, 0, 1 - a / 2); }},
     {"shear_x 3D", false, [](transform& t, double a, double b) { t.shear_x(a, b); },
-     [](real a, real b) {
-         return linear({1, a, b, 0, 1, 0, 0, 0, 1});
-     }},
+     [](real a, real b) { return linear(1, a, b, 0, 1, 0, 0, 0, 1); }},
     {"shear_y 3D", false, [](transform& t, double a, double b) { t.shear_y(a, b); },
-     [](real a, real b) {
-         return linear({1, 0, 0, a, 1, b, 0, 0, 1});
-     }},
+     [](real a, real b) { return linear(1, 0, 0, a, 1, b, 0, 0, 1); }},
     {"shear_z 3D", false, [](transform& t, double a, double b) { t.shear_z(a, b); },
-     [](real a, real b) {
-         return linear({1, 0, 0, 0, 1, 0, a, b, 1});
-     }},
+     [](real a, real b) { return linear(1, 0, 0, 0, 1, 0, a, b, 1); }},
     {"flip_axis 3", false, [](transform& t, double, double) { t.flip_axis(3); }, nothing,
-     [](real, real) {
-         return linear({1, 0, 0, 0, 1, 0, 0, 0, -1});
-     }},
+     [](real, real) { return linear(1, 0, 0, 0, 1, 0, 0, 0, -1); }},
     {"exchange_axes 3 1", false, [](transform& t, double, double) { t.exchange_axes(3, 1); }, nothing,
-     [](real, real) {
-         return linear({0, 0, 1, 0, 1, 0, 1, 0, 0});
-     }},
+     [](real, real) { return linear(0, 0, 1, 0, 1, 0, 1, 0, 0); }},
     // The image of X becomes that of Z: before * (1, 0, 0) = (0, 0, 1).
     {"permute3d 1", false, [](transform& t, double, double) { t.permute3d(1); }, nothing,
-     [](real, real) {
-         return linear({0, 1, 0, 0, 0, 1, 1, 0, 0});
-     }},
+     [](real, real) { return linear(0, 1, 0, 0, 0, 1, 1, 0, 0); }},
     {"permute3d -1", false, [](transform& t, double, double) { t.permute3d(-1); }, nothing,
-     [](real, real) {
-         return linear({0, 0, 1, 1, 0, 0, 0, 1, 0});
-     }},
+     [](real, real) { return linear(0, 0, 1, 1, 0, 0, 0, 1, 0); }},
 };
 
 TEST(Transform, TracksMapAndInverseThroughEachStepFromAnyStart) {
@@ -176,7 +143,8 @@ TEST(Transform, TracksMapAndInverseThroughEachStepFromAnyStart) {
             EXPECT_EQ(t.is_3d(), start.is_3d() || !s.planar);
             matrix const expected =
                 product(product(s.after(0.6, -0.3), map_of(start, false)), s.before(0.6, -0.3));
-            // Entries below 10, a few roundings each.
+            // Entries below 10, a few roundings each. A step that wrote to the shared block would spoil
+            // `start`.
             EXPECT_LT(difference(map_of(t, false), expected), 1e-14L);
             EXPECT_LT(difference(product(map_of(t, false), map_of(t, true)), one), 1e-13L);
         }
@@ -275,16 +243,6 @@ TEST(Transform, SharesTheBlockWhenTheArgumentIsNeutral) {
         EXPECT_EQ((t * transform()).address(), t.address());
         EXPECT_EQ((t / transform()).address(), t.address());
         EXPECT_EQ((transform() * t).address(), t.address());
-    }
-}
-
-TEST(Transform, LeavesOtherHandlesOnTheBlockAlone) {
-    transform const original(1, 2, 3);
-    for (step const& s : steps) {
-        transform copy = original;
-        s.apply(copy, 0.5, 0.25);
-        EXPECT_FALSE(copy == original) << s.name;
-        EXPECT_TRUE(original == transform(1, 2, 3)) << s.name;
     }
 }
 
