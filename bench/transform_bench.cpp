@@ -35,6 +35,19 @@ void points_through(benchmark::State& state) {
     state.SetItemsProcessed(2 * state.iterations() * state.range(0));
 }
 
+void list_through(benchmark::State& state) {
+    auto const points = space_cloud(state.range(0));
+    idioms::array<point> list(static_cast<unsigned int>(points.size()), points.data());
+    transform const t = seeded_transform();
+    for (auto _ : state) {
+        list *= t;
+        benchmark::ClobberMemory();
+        list /= t;
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(2 * state.iterations() * state.range(0));
+}
+
 #ifdef TVMATH_HAS_EIGEN
 Eigen::Affine3d eigen_transform() {
     transform const t = seeded_transform();
@@ -75,10 +88,12 @@ int const registered = [] {
     register_sizes("transform_compose", "tvmath", compose, {3});
     // 1: a single point; 1e3: in the first cache; 1e6: beyond every cache, where 40 bytes meet 24.
     std::vector<std::int64_t> const sizes = {1, 1000, 1000000};
-    register_sizes("points_through", "tvmath", points_through, sizes);
+    register_sizes("point_through", "tvmath", points_through, sizes);
+    register_sizes("list_through", "tvmath", list_through, sizes);
 #ifdef TVMATH_HAS_EIGEN
     register_sizes("transform_compose", "eigen_inverse", eigen_compose_with_inverse, {3});
-    register_sizes("points_through", "eigen", eigen_points_through, sizes);
+    register_sizes("point_through", "eigen", eigen_points_through, sizes);
+    register_sizes("list_through", "eigen", eigen_points_through, sizes);
 #endif
     return 0;
 }();

@@ -230,17 +230,7 @@ inline void carry3d(point& p, double const* m) {
         y += m[7] * p.z();
         z += m[11] * p.z();
     }
-    bool const moved = p[0] != 0.0;
-    if (moved) {
-        x += m[0];
-        y += m[4];
-        z += m[8];
-    }
-    p.promote3d();
-    p[0] = moved ? 1.0 : 0.0;
-    p.x() = x;
-    p.y() = y;
-    p.z() = z;
+    p = p[0] != 0.0 ? point(true, x + m[0], y + m[4], z + m[8]) : point(false, x, y, z);
 }
 
 }  // namespace transform_detail
@@ -267,6 +257,17 @@ inline point& point::operator/=(transform const& t) {
         transform_detail::carry3d(*this, t.begin() + 12);
     }
     return *this;
+}
+
+/// Every point of a list through the transform, or through its inverse, with the bits that `point::operator*=` gives;
+/// several times as fast as one by one. A trivial transform leaves the block shared.
+TVMATH_API idioms::array<point>& operator*=(idioms::array<point>& list, transform const& t);
+TVMATH_API idioms::array<point>& operator/=(idioms::array<point>& list, transform const& t);
+inline idioms::array<point> operator*(idioms::array<point> list, transform const& t) {
+    return list *= t;
+}
+inline idioms::array<point> operator/(idioms::array<point> list, transform const& t) {
+    return list /= t;
 }
 
 }  // namespace tvmath

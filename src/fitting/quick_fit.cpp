@@ -3,7 +3,7 @@
 #include <cmath>
 #include <span>
 
-#include "fitting/point_lanes.h"
+#include "geometry/point_lanes.h"
 
 inline namespace tvmath {
 namespace {

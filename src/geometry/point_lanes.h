@@ -21,5 +21,6 @@ using point_lanes = double __attribute__((vector_size(32)));
 
 /// Loads all four slots. The weight, and z of a 2D point, are not meant to reach a result.
 #define TVMATH_LOAD_LANES(lanes, p) std::memcpy(&(lanes), &(p)[0], sizeof(lanes))
+#define TVMATH_STORE_LANES(p, lanes) std::memcpy(&(p)[0], &(lanes), sizeof(lanes))
 
 }  // namespace tvmath
