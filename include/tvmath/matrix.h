@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <utility>
 
 #include "tvmath/array.h"
 #include "tvmath/export.h"

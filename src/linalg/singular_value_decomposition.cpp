@@ -205,6 +205,9 @@ private:
 
     // w[l - 1] counts as 0: e[l] is rotated out of its row.
     void cancel(std::size_t l, std::size_t k) {
+        // In a wide matrix its zero column of u may end here, and inverse_svd must find the value exactly 0
+        // beside it.
+        if (m < n) w[l - 1] = 0.0;
         double c = 0, s = 1;
         for (std::size_t i = l; i <= k; ++i) {
             double const f = s * e[i];
@@ -244,10 +247,8 @@ private:
             rotate(v + j * n, v + i * n, c, s, n);
             z = std::hypot(f, h);
             w[j] = z;
-            if (z != 0.0) {  // otherwise any rotation will do
-                c = f / z;
-                s = h / z;
-            }
+            c = z == 0.0 ? 1.0 : f / z;  // any rotation would do for 0
+            s = z == 0.0 ? 0.0 : h / z;
             f = c * g + s * y;
             x = c * y - s * g;
             rotate(u + j * m, u + i * m, c, s, m);
