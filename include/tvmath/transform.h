@@ -259,8 +259,9 @@ inline point& point::operator/=(transform const& t) {
     return *this;
 }
 
-/// Every point of a list through the transform, or through its inverse, with the bits that `point::operator*=` gives;
-/// several times as fast as one by one. A trivial transform leaves the block shared.
+/// Every point of a list through the transform, or through its inverse, with the bits that
+/// `point::operator*=` gives; several times as fast as one by one. A trivial transform leaves the block
+/// shared.
 TVMATH_API idioms::array<point>& operator*=(idioms::array<point>& list, transform const& t);
 TVMATH_API idioms::array<point>& operator/=(idioms::array<point>& list, transform const& t);
 inline idioms::array<point> operator*(idioms::array<point> list, transform const& t) {

@@ -4,8 +4,8 @@
 inline namespace tvmath {
 namespace {
 
-// The coordinates of a point are the lanes and the columns of the map stay in registers. Terms are added in the order
-// of the single point, so that both give the same bits.
+// The coordinates of a point are the lanes and the columns of the map stay in registers. Terms are added in
+// the order of the single point, so that both give the same bits.
 TVMATH_WIDE_LOOP void carry_list3d(point* p, point* end, double const* m) {
     point_lanes const offset = {1.0, m[0], m[4], m[8]}, x_axis = {0.0, m[1], m[5], m[9]};
     point_lanes const y_axis = {0.0, m[2], m[6], m[10]}, z_axis = {0.0, m[3], m[7], m[11]};
