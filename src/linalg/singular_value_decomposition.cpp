@@ -11,17 +11,18 @@ namespace {
 constexpr double tiny = 1e-100, huge = 1e+100;  // stand in for a divisor of 0 and for the reciprocal of one
 constexpr int step_limit = 30;                  // per value; two or three are usual
 
-double inner(double const* a, double const* b, std::size_t n) {
+// Columns never overlap. Saying so spares the small systems the test for it at every call.
+double inner(double const* __restrict a, double const* __restrict b, std::size_t n) {
     double s = 0;
     for (std::size_t k = 0; k < n; ++k) s += a[k] * b[k];
     return s;
 }
 
-void add_multiple(double* to, double const* from, double factor, std::size_t n) {
+void add_multiple(double* __restrict to, double const* __restrict from, double factor, std::size_t n) {
     for (std::size_t k = 0; k < n; ++k) to[k] += factor * from[k];
 }
 
-void rotate(double* a, double* b, double c, double s, std::size_t n) {
+void rotate(double* __restrict a, double* __restrict b, double c, double s, std::size_t n) {
     for (std::size_t k = 0; k < n; ++k) {
         double const x = a[k], y = b[k];
         a[k] = x * c + y * s;
@@ -259,13 +260,17 @@ private:
     }
 };
 
-matrix from_columns(double const* columns, std::size_t rows, std::size_t cols) {
-    matrix result(static_cast<unsigned int>(rows), vector());
-    vector* const row = result.lazycopy_begin();
-    for (std::size_t i = 0; i < rows; ++i) {
-        row[i] = vector(static_cast<unsigned int>(cols), columns + i, static_cast<int>(rows));
+// Writes into the blocks that `to` already owns where the shape fits: a fit decomposes a matrix of the same
+// shape in every round, and for 3 by 3 a new block for each row would cost as much as the decomposition.
+void put_columns(matrix& to, double const* columns, std::size_t row_count, std::size_t col_count) {
+    auto const r = static_cast<unsigned int>(row_count), c = static_cast<unsigned int>(col_count);
+    if (rows(to) != r || cols(to) != c) to = matrix(r, c);
+    vector* const row = to.lazycopy_begin();
+    for (std::size_t i = 0; i < row_count; ++i) {
+        if (dim(row[i]) != c) row[i] = vector(c);  // a row of another length than the first
+        double* const element = row[i].lazycopy_begin();
+        for (std::size_t j = 0; j < col_count; ++j) element[j] = columns[j * row_count + i];
     }
-    return result;
 }
 
 }  // namespace
@@ -279,8 +284,8 @@ vector singular_value_decomposition(matrix const& a, matrix& u, matrix& v) {
     decomposition d(a, m, n);
     d.run();
     vector const w(static_cast<unsigned int>(n), d.w);
-    u = from_columns(d.u, m, n);  // a, which may be u or v, has been read
-    v = from_columns(d.v, n, n);
+    put_columns(u, d.u, m, n);  // a, which may be u or v, has been read
+    put_columns(v, d.v, n, n);
     return w;
 }
 
