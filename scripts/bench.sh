@@ -15,6 +15,7 @@ for program in build/release/bench/*_bench; do
         --benchmark_min_time=0.05 --benchmark_report_aggregates_only=true --benchmark_format=csv \
         2>/dev/null | grep '_median"' >>"$results" || true
 done
+printf '%-28s %10s  %-14s %14s  %s\n' family size who 'median ns' '/ tvmath'
 LC_ALL=C awk -F, -v OFMT=%.4g '
     {
         name = $1
@@ -30,13 +31,12 @@ LC_ALL=C awk -F, -v OFMT=%.4g '
         if (part[2] == "tvmath") own[key] = time
     }
     END {
-        printf "%-28s %10s  %-12s %14s  %s\n", "family", "size", "who", "median ns", "/ tvmath"
         for (k = 1; k <= keys; ++k) {
             key = name_of[k]
             split(key, part, "/")
             for (i = 1; i <= count[key]; ++i) {
                 ratio = (key in own) && who[key, i] != "tvmath" ? sprintf("%.2f", times[key, i] / own[key]) : ""
-                printf "%-28s %10s  %-12s %14.1f  %s\n", part[1], part[2], who[key, i], times[key, i], ratio
+                printf "%-28s %10s  %-14s %14.1f  %s\n", part[1], part[2], who[key, i], times[key, i], ratio
             }
         }
-    }' "$results"
+    }' "$results" | LC_ALL=C sort -k1,1 -k2,2n -k3,3r
