@@ -95,9 +95,9 @@ public:
     /// Carries the point through the transform: a location with the offset, a direction without. A 2D
     /// transform keeps dimension and z; a 3D transform makes the point 3D. A trivial point becomes the
     /// transform's origin.
-    point& operator*=(transform const& t);
+    inline point& operator*=(transform const& t);  // defined, as the next one, in transform.h
     /// The same through the inverse of the transform.
-    point& operator/=(transform const& t);
+    inline point& operator/=(transform const& t);
 
     point& dilate(double s) { return *this *= s; }
     /// Scales x and y; z of a 3D point stays.
@@ -215,12 +215,6 @@ inline point operator*(double s, point p) {
 }
 inline point operator/(point p, double s) {
     return p /= s;
-}
-inline point operator*(point p, transform const& t) {
-    return p *= t;
-}
-inline point operator/(point p, transform const& t) {
-    return p /= t;
 }
 
 /// Scalar product in 2D; 0 when either is trivial.

@@ -259,6 +259,14 @@ inline point& point::operator/=(transform const& t) {
     return *this;
 }
 
+/// The point carried through the transform, or through its inverse; see `point::operator*=`.
+inline point operator*(point p, transform const& t) {
+    return p *= t;
+}
+inline point operator/(point p, transform const& t) {
+    return p /= t;
+}
+
 /// Every point of a list through the transform, or through its inverse, with the bits that
 /// `point::operator*=` gives; several times as fast as one by one. A trivial transform leaves the block
 /// shared.
