@@ -6,26 +6,13 @@
 inline namespace tvmath {
 namespace {
 
-// The yardstick of one pass: a plain loop that sums x and y over the same memory.
+// The yardstick: plain loops that sum x and y over the same memory, one for each pass of a fit. The centroid
+// takes one pass, the scatter another.
+template <int passes>
 void plain_sum(benchmark::State& state) {
     auto const points = rippled_circle(state.range(0));
     for (auto _ : state) {
-        double x = 0, y = 0;
-        for (point const& p : points) {
-            x += p.x();
-            y += p.y();
-        }
-        benchmark::DoNotOptimize(x);
-        benchmark::DoNotOptimize(y);
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-}
-
-// Two such loops: a fit takes a pass for the centroid and one for the scatter.
-void plain_sum_twice(benchmark::State& state) {
-    auto const points = rippled_circle(state.range(0));
-    for (auto _ : state) {
-        for (int pass = 0; pass < 2; ++pass) {
+        for (int pass = 0; pass < passes; ++pass) {
             double x = 0, y = 0;
             for (point const& p : points) {
                 x += p.x();
@@ -71,13 +58,13 @@ int const registered = [] {
     // 1e3: an edge tool; 1e5: a scanned contour; 1e6: beyond every cache.
     std::vector<std::int64_t> const sizes = {1000, 100000, 1000000};
     register_sizes("point_fit", "tvmath", fit_point, sizes);
-    register_sizes("point_fit", "plain_sum", plain_sum, sizes);
+    register_sizes("point_fit", "plain_sum", plain_sum<1>, sizes);
     register_sizes("line_quick_fit", "tvmath", fit_line, sizes);
-    register_sizes("line_quick_fit", "plain_sum_2", plain_sum_twice, sizes);
+    register_sizes("line_quick_fit", "plain_sum_2", plain_sum<2>, sizes);
     register_sizes("circle_quick_fit", "tvmath", fit_circle, sizes);
-    register_sizes("circle_quick_fit", "plain_sum_2", plain_sum_twice, sizes);
+    register_sizes("circle_quick_fit", "plain_sum_2", plain_sum<2>, sizes);
     register_sizes("sphere_quick_fit", "tvmath", fit_sphere, sizes);
-    register_sizes("sphere_quick_fit", "plain_sum_2", plain_sum_twice, sizes);
+    register_sizes("sphere_quick_fit", "plain_sum_2", plain_sum<2>, sizes);
     return 0;
 }();
 
