@@ -11,7 +11,6 @@ mkdir -p build
 log=build/$preset.log
 echo "Building (preset $preset, log in $log) ..."
 if ! { cmake --preset "$preset" ${BUILD_OPTIONS:-} && cmake --build --preset "$preset" --parallel; } >"$log" 2>&1; then
-    # Configuring afresh mends a build folder that another checkout or compiler left behind.
     tail -n 60 "$log" >&2
     exit 1
 fi
