@@ -6,11 +6,13 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <sstream>
 
 #include "picture.h"
 #include "tvmath/point.h"
 
+inline namespace tvmath {
 namespace {
 
 struct table_row {
@@ -50,20 +52,23 @@ std::vector<table_row> table_of(std::string const& kind, std::string const& para
 }
 
 TEST(RenderCommand, DrawsACircleWithItsParallelAndRectangles) {
-    int outline = 0, parallel = 0, bounds = 0;
+    // Distance of the points of each role from the centre; the corners of a rectangle are at sqrt(2) of its
+    // half.
+    std::map<std::string, double> const radii = {{"outline", 2.0},
+                                                 {"parallel", 2.5},
+                                                 {"bounds", 2.0 * std::sqrt(2.0)},
+                                                 {"wide bounds", 2.5 * std::sqrt(2.0)}};
+    std::map<std::string, int> counts;
     for (table_row const& row : table_of("circle", "2 10 -5", "0.5")) {
-        double const r = std::hypot(row.x - 10, row.y + 5);
-        if (row.role == "outline") EXPECT_NEAR(r, 2, 1e-12);
-        if (row.role == "parallel") EXPECT_NEAR(r, 2.5, 1e-12);
-        if (row.role == "bounds") EXPECT_NEAR(r, 2 * std::sqrt(2.0), 1e-12);
-        if (row.role == "wide bounds") EXPECT_NEAR(r, 2.5 * std::sqrt(2.0), 1e-12);
-        outline += row.role == "outline";
-        parallel += row.role == "parallel";
-        bounds += row.role == "bounds";
+        ++counts[row.role];
+        auto const radius = radii.find(row.role);
+        if (radius == radii.end()) continue;
+        EXPECT_NEAR(std::hypot(row.x - 10, row.y + 5), radius->second, 1e-12) << row.role;
     }
-    EXPECT_GE(outline, 8);
-    EXPECT_EQ(parallel, outline);
-    EXPECT_EQ(bounds, 4);
+    EXPECT_GE(counts["outline"], 8);
+    EXPECT_EQ(counts["parallel"], counts["outline"]);
+    EXPECT_EQ(counts["bounds"], 4);
+    EXPECT_EQ(counts["wide bounds"], 4);
 }
 
 TEST(RenderCommand, ReadsDegreesAndRadians) {
@@ -124,3 +129,4 @@ TEST(RenderCommand, WritesTheSheetOfAllKinds) {
 }
 
 }  // namespace
+}  // namespace tvmath
