@@ -40,28 +40,42 @@ sample at(monic const& m, double x) {
     return {value, slope, curvature, 4 * epsilon * size, 4 * epsilon * slope_size};
 }
 
-// Normalised, in units in which the largest of |d|, |c|^(1/2), |b|^(1/3), |a|^(1/4) is from 1 to 2, which
-// puts the largest root between 1/4 and 4. False when a quotient overflows or is NaN, or when all are 0.
-bool normalize(double c0, double c1, double c2, double c3, double c4, monic& m) {
-    m.a = c0 / c4, m.b = c1 / c4, m.c = c2 / c4, m.d = c3 / c4;
-    double const coefficients[] = {m.d, m.c, m.b, m.a};
-    int exponent_of_two = -2000;
+// Exponent of the power of two just below the largest of |d|, |c|^(1/2), |b|^(1/3), |a|^(1/4), which bounds
+// the roots to a factor of 4; `none` when all are 0.
+constexpr int none = -2000;
+int size_exponent(double a, double b, double c, double d) {
+    double const coefficients[] = {d, c, b, a};
+    int result = none;
     for (int i = 0; i < 4; ++i) {
-        if (!std::isfinite(coefficients[i])) return false;
         if (coefficients[i] == 0) continue;
         int const e = std::ilogb(coefficients[i]), n = i + 1;
-        exponent_of_two = std::max(exponent_of_two, (e >= 0 ? e : e - n + 1) / n);
+        result = std::max(result, (e >= 0 ? e : e - n + 1) / n);
     }
-    if (exponent_of_two == -2000) return false;
-    m.unit = std::ldexp(1.0, exponent_of_two);
-    double const u = std::ldexp(1.0, -exponent_of_two);  // multiplied one by one, as u⁴ may overflow
-    m.d *= u;
-    m.c = m.c * u * u;
-    m.b = m.b * u * u * u;
-    m.a = m.a * u * u * u * u;
+    return result;
+}
+
+// In units of 2^exponent; multiplied one by one, as the fourth power may overflow.
+void scale(int exponent, double& a, double& b, double& c, double& d) {
+    double const u = std::ldexp(1.0, -exponent);
+    d *= u;
+    c = c * u * u;
+    b = b * u * u * u;
+    a = a * u * u * u * u;
+}
+
+// Normalised, in units in which the largest root is between 1/4 and 4. False when a quotient overflows or is
+// NaN, or when all are 0.
+bool normalize(double c0, double c1, double c2, double c3, double c4, monic& m) {
+    m.a = c0 / c4, m.b = c1 / c4, m.c = c2 / c4, m.d = c3 / c4;
+    if (!std::isfinite(m.a) || !std::isfinite(m.b) || !std::isfinite(m.c) || !std::isfinite(m.d))
+        return false;
+    int const e = size_exponent(m.a, m.b, m.c, m.d);
+    if (e == none) return false;
+    scale(e, m.a, m.b, m.c, m.d);
+    m.unit = std::ldexp(1.0, e);
     // A quartic of small roots is small everywhere near them: a fixed limit would accept any number.
-    m.residual_limit = tolerance * std::min(1.0, u * u * u * u);
-    m.duplicate_limit = tolerance * u;
+    m.residual_limit = tolerance * std::min(1.0, std::ldexp(1.0, std::max(-4 * e, -1000)));
+    m.duplicate_limit = tolerance * std::ldexp(1.0, -e);
     return true;
 }
 
@@ -110,16 +124,20 @@ bool settle_on_multiple_root(monic const& m, double& x, double& radius) {
     return false;
 }
 
-// Newton's iteration while the residual falls, at most 8 steps, from the candidate `x`; then the test.
+// Newton's iteration from the candidate `x`, at most 12 steps, each halved until the residual falls, so that
+// a start near an extremum does not leave for another root; then the test.
 void polish_and_insert(monic const& m, double x, root_list& roots) {
     sample s = at(m, x);
-    for (int i = 0; i < 8 && s.value != 0; ++i) {
-        double const next = x - s.value / s.slope;
-        sample const t = at(m, next);
+    for (int i = 0; i < 12 && s.value != 0; ++i) {
+        double step = s.value / s.slope;
+        sample t = at(m, x - step);
+        for (int j = 0; j < 4 && !(fabs(t.value) < fabs(s.value)) && fabs(s.value) > s.noise; ++j) {
+            step /= 4;
+            t = at(m, x - step);
+        }
         if (!(fabs(t.value) < fabs(s.value))) break;
-        bool const settled = fabs(next - x) <= epsilon * fabs(next);
-        x = next, s = t;
-        if (settled) break;
+        x -= step, s = t;
+        if (fabs(step) <= epsilon * fabs(x)) break;
     }
     // Beside a multiple root value and slope vanish together: slope² = 2 value curvature at a double one.
     double radius = 0;
@@ -134,21 +152,29 @@ void polish_and_insert(monic const& m, double x, root_list& roots) {
     roots.insert(x, std::max({m.duplicate_limit, std::min(radius, 1e-6), 4 * epsilon * fabs(x)}));
 }
 
-// Candidates of x² + p x + q. A discriminant within the tolerance of 0, on either side, may be the rounding
-// of a double root: then its middle is the candidate.
-void try_quadratic(monic const& m, double p, double q, root_list& roots) {
+// The quartic in which the resolvent is formed, with z = (x - origin) / unit. It is the one above, or, for
+// roots that lie close to each other, the one about their mean, in units of their distance. `noise` is what
+// is to be treated as 0 in it.
+struct frame {
+    double a, b, c, d, origin, unit, noise;
+};
+
+// Candidates z² + p z + q. A discriminant within the noise of 0, on either side, may be the rounding of a
+// double root: then its middle is the candidate.
+void try_quadratic(monic const& m, frame const& f, double p, double q, root_list& roots) {
     double const middle = -0.5 * p, discriminant = sqr(middle) - q;
-    if (!(discriminant >= -tolerance)) return;
-    if (discriminant <= tolerance) {
-        double x = middle, radius = 0;
+    if (!(discriminant >= -f.noise)) return;
+    if (discriminant <= f.noise) {
+        double x = f.origin + f.unit * middle, radius = 0;
         if (settle_on_multiple_root(m, x, radius))
             return roots.insert(x, std::max(radius, m.duplicate_limit));
     }
-    if (discriminant < 0) return polish_and_insert(m, middle, roots);
+    if (discriminant < 0) return polish_and_insert(m, f.origin + f.unit * middle, roots);
     double const root = sqrt(discriminant);
     double const larger = middle < 0 ? middle - root : middle + root;
-    polish_and_insert(m, larger, roots);
-    polish_and_insert(m, larger == 0 ? 0 : q / larger, roots);  // q / larger does not cancel
+    double const smaller = larger == 0 ? 0 : q / larger;  // does not cancel
+    polish_and_insert(m, f.origin + f.unit * larger, roots);
+    polish_and_insert(m, f.origin + f.unit * smaller, roots);
 }
 
 // Two numbers from their sum (both halves given as mean and half difference) and their product: the larger by
@@ -162,45 +188,69 @@ void from_mean(double mean, double spread, double product, double& plus, double&
     if (fabs(quotient) < fabs(larger)) smaller = quotient;
 }
 
-// With y a root of the resolvent the quartic is (x² + d/2 x + y/2)² - (s x + t)², where s² = d²/4 + y - c,
+// With y a root of the resolvent the quartic is (z² + d/2 z + y/2)² - (s z + t)², where s² = d²/4 + y - c,
 // t² = y²/4 - a and 2 s t = y d/2 - b. Of the four pairs of signs the product leaves two.
-void try_split(monic const& m, double y, root_list& roots) {
-    double e = sqr(m.d) / 4 + y - m.c, f = sqr(y) / 4 - m.a;
-    if (!(e > -tolerance && f > -tolerance)) return;
-    e = std::max(e, 0.0), f = std::max(f, 0.0);
-    // The root of the smaller of e and f, which may be all rounding, comes from the product.
-    double const g = y * m.d / 2 - m.b;
-    double s = sqrt(e), t = sqrt(f);
+void try_split(monic const& m, frame const& f, double y, root_list& roots) {
+    double const s2 = sqr(f.d) / 4 + y - f.c, t2 = sqr(y) / 4 - f.a;
+    if (!(s2 > -f.noise && t2 > -f.noise)) return;
+    // The root of the smaller one, which may be all rounding, comes from the product.
+    double s = sqrt(std::max(s2, 0.0)), t = sqrt(std::max(t2, 0.0));
+    double const product = y * f.d / 2 - f.b;
     if (s > t) {
-        t = g / (2 * s);
+        t = product / (2 * s);
     } else if (t > 0) {
-        s = g / (2 * t);
+        s = product / (2 * t);
     }
     double linear[2], constant[2];
-    from_mean(m.d / 2, s, m.c - y, linear[0], linear[1]);
-    from_mean(y / 2, t, m.a, constant[0], constant[1]);
-    for (int i = 0; i < 2; ++i) try_quadratic(m, linear[i], constant[i], roots);
+    from_mean(f.d / 2, s, f.c - y, linear[0], linear[1]);
+    from_mean(y / 2, t, f.a, constant[0], constant[1]);
+    for (int i = 0; i < 2; ++i) try_quadratic(m, f, linear[i], constant[i], roots);
 }
 
-// A step of Newton's iteration on y³ - c y² + p y - q, as long as it leaves less.
-double polished_resolvent_root(monic const& m, double p, double q, double y) {
-    double value = ((y - m.c) * y + p) * y - q;
+// Newton's iteration on y³ - c y² + p y - q, as long as it leaves less.
+double polished_resolvent_root(double c, double p, double q, double y) {
+    double value = ((y - c) * y + p) * y - q;
     for (int i = 0; i < 3; ++i) {
-        double const next = y - value / ((3 * y - 2 * m.c) * y + p);
-        double const rest = ((next - m.c) * next + p) * next - q;
+        double const next = y - value / ((3 * y - 2 * c) * y + p);
+        double const rest = ((next - c) * next + p) * next - q;
         if (!(fabs(rest) < fabs(value))) break;
         y = next, value = rest;
     }
     return y;
 }
 
+void try_frame(monic const& m, frame const& f, root_list& roots) {
+    double const p = f.b * f.d - 4 * f.a, q = sqr(f.b) + f.a * sqr(f.d) - 4 * f.a * f.c;
+    double resolvent_roots[3];
+    int const count = cubic(-q, p, -f.c, 1, resolvent_roots);
+    // All have the absolute error of the largest one, which therefore gives the best split.
+    std::iter_swap(resolvent_roots, std::max_element(resolvent_roots, resolvent_roots + count,
+                                                     [](double y, double z) { return fabs(y) < fabs(z); }));
+    for (int i = 0; i < count && roots.count < 4; ++i)
+        try_split(m, f, polished_resolvent_root(f.c, p, q, resolvent_roots[i]), roots);
+}
+
 root_list solve(monic const& m) {
     root_list roots;
-    double const p = m.b * m.d - 4 * m.a, q = sqr(m.b) + m.a * sqr(m.d) - 4 * m.a * m.c;
-    double resolvent_roots[3];
-    int const count = cubic(-q, p, -m.c, 1, resolvent_roots);
-    for (int i = 0; i < count && roots.count < 4; ++i)
-        try_split(m, polished_resolvent_root(m, p, q, resolvent_roots[i]), roots);
+    double const mean = -m.d / 4;
+    sample const s = at(m, mean);
+    double const curvature_noise = 24 * epsilon * (sqr(m.d) + fabs(m.c));
+    if (fabs(s.value) <= s.noise && fabs(s.slope) <= s.slope_noise && fabs(s.curvature) <= curvature_noise) {
+        roots.insert(mean, m.duplicate_limit);
+        return roots;
+    }
+    // About the mean of roots that lie close to each other nothing cancels any more. Roots of different size
+    // stay where they are: the small ones would be lost in the sum.
+    frame f = {s.value, s.slope, s.curvature / 2, 0, mean, 1, tolerance};
+    int const e = size_exponent(f.a, f.b, f.c, 0);
+    if (e > -3) {
+        try_frame(m, {m.a, m.b, m.c, m.d, 0, 1, tolerance}, roots);
+        return roots;
+    }
+    scale(e, f.a, f.b, f.c, f.d);
+    f.unit = std::ldexp(1.0, e);
+    f.noise = std::max(tolerance, 4 * std::ldexp(s.noise, -4 * e));
+    try_frame(m, f, roots);
     return roots;
 }
 
