@@ -1,6 +1,9 @@
 #include "tvmath/curve.h"
 
 #include <algorithm>
+#include <limits>
+
+#include "geometry/extent.h"
 
 inline namespace tvmath {
 namespace {
@@ -50,10 +53,10 @@ curve& curve::operator/=(transform const& t) {
     return *this;
 }
 
-curve& curve::operator+=(point const& p) {
-    if (p.is_trivial()) return *this;
-    return change_points(*this, [&p](point& q) {
-        if (!q.is_location()) return;  // the point's own translate would raise these to 3D
+curve& curve::operator+=(point const& shift) {
+    if (shift.is_trivial()) return *this;
+    return change_points(*this, [p = shift](point& q) {  // a copy, since `shift` may be a point of this path
+        if (!q.is_location()) return;                    // the point's own translate would raise these to 3D
         if (p.is_2d()) {
             q.translate(p.x(), p.y());
         } else {
@@ -97,20 +100,16 @@ idioms::array<curve>& operator/=(idioms::array<curve>& list, transform const& t)
 }
 
 CRealRect curve::get_bounding_rect() const {
-    CRealRect extent;
-    if (is_trivial()) return extent;
-    extent.left = extent.right = begin()->x();
-    extent.bottom = extent.top = begin()->y();
+    interval x, y;
     for (point const& p : *this) {
-        extent.left = std::min(extent.left, p.x());
-        extent.right = std::max(extent.right, p.x());
-        extent.bottom = std::min(extent.bottom, p.y());
-        extent.top = std::max(extent.top, p.y());
+        x.widen(p.x());
+        y.widen(p.y());
     }
-    return extent;
+    return rectangle_over(x, y);
 }
 
 idioms::array<double> curve::to_double_array() const {
+    if (capacity() > std::numeric_limits<unsigned int>::max() / 3) return idioms::array<double>();
     idioms::array<double> numbers(3 * capacity());
     double* to = numbers.lazycopy_begin();
     for (point const& p : *this) {
