@@ -78,7 +78,7 @@ curve render(curve const& c, bool closed, unsigned int n) {
     if (count > std::numeric_limits<unsigned int>::max()) return curve();
 
     point const blank = has_3d_point(c) ? point(true, 0, 0, 0) : point(true, 0, 0);
-    idioms::array<blend> const table = segments == 0 ? idioms::array<blend>() : blending_table(n);
+    idioms::array<blend> const table = blending_table(segments == 0 ? 1 : n);
     curve result(static_cast<unsigned int>(count));
     point* const to = result.lazycopy_begin();
     render_segments(c.begin(), segments, table.begin(), table.end(), blank, to);

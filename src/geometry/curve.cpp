@@ -16,6 +16,15 @@ curve& change_points(curve& c, operation change) {
     return c;
 }
 
+// Applies `change` to every path of a list; a trivial transform leaves the list shared, as it does a path.
+template <class operation>
+idioms::array<curve>& change_paths(idioms::array<curve>& list, transform const& t, operation change) {
+    if (!t.is_2d() && !t.is_3d()) return list;
+    curve* const first = list.lazycopy_begin();
+    std::for_each(first, first + list.capacity(), change);
+    return list;
+}
+
 }  // namespace
 
 curve::curve(point const& p) : array(1, p) {}
@@ -90,13 +99,11 @@ curve protrude(transform const& t, curve c) {
 }
 
 idioms::array<curve>& operator*=(idioms::array<curve>& list, transform const& t) {
-    for (curve *c = list.lazycopy_begin(), *end = c + list.capacity(); c != end; ++c) *c *= t;
-    return list;
+    return change_paths(list, t, [&t](curve& c) { c *= t; });
 }
 
 idioms::array<curve>& operator/=(idioms::array<curve>& list, transform const& t) {
-    for (curve *c = list.lazycopy_begin(), *end = c + list.capacity(); c != end; ++c) *c /= t;
-    return list;
+    return change_paths(list, t, [&t](curve& c) { c /= t; });
 }
 
 CRealRect curve::get_bounding_rect() const {
