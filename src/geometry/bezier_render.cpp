@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -27,45 +28,56 @@ idioms::array<blend> blending_table(unsigned int n) {
     return table;
 }
 
-// The coordinates that take part: those of a trivial point are 0, as is z of a 2D point. By reference,
-// because only a function for wide registers could return lanes.
-void load_control_point(point_lanes& lanes, point p) {
-    if (p.is_trivial()) p.promote2d();
-    if (p.is_2d()) p.z() = 0.0;
-    TVMATH_LOAD_LANES(lanes, p);
-    lanes[0] = 1.0;
+// What one point of the result has in common with all others: the bytes before the slots and the slots that
+// are not computed, which are the weight and, unless the path is solid, z. What a flat path stores there is
+// undefined, and infinite coordinates times 0 would make the weight NaN.
+struct common_part {
+    point blank;
+    point_lanes slots = {1.0, 0.0, 0.0, 0.0};
+    long long computed __attribute__((vector_size(32)));
+
+    explicit common_part(bool solid)
+        : blank(solid ? point(true, 0, 0, 0) : point(true, 0, 0)), computed{0, -1, -1, solid ? -1 : 0} {}
+};
+
+inline void write_point(point* to, common_part const& common, point_lanes const& lanes) {
+    point_lanes const all = common.computed ? lanes : common.slots;
+    std::memcpy(static_cast<void*>(to), &common.blank, sizeof(point) - sizeof(all));
+    TVMATH_STORE_LANES(*to, all);
 }
 
-// `to` receives, for each segment, its first control point and one point for each row. Every point of `to` is
-// made from `blank`, which has the dimension of the result. Terms are added in the order of the control
-// points.
+// `to` receives, for each segment, its first control point and one point for each row, then the last control
+// point if that is asked for. Terms are added in the order of the control points.
 TVMATH_WIDE_LOOP void render_segments(point const* control, unsigned int segments, blend const* rows,
-                                      blend const* rows_end, point const& blank, point* to) {
+                                      blend const* rows_end, bool with_end, common_part const& shared,
+                                      point* to) {
+    common_part const common = shared;  // in registers
     point_lanes p0, p1, p2, p3;
-    load_control_point(p0, control[0]);
+    TVMATH_LOAD_LANES(p0, *control);
     for (unsigned int segment = 0; segment < segments; ++segment, control += 3) {
-        load_control_point(p1, control[1]);
-        load_control_point(p2, control[2]);
-        load_control_point(p3, control[3]);
-        *to = blank;
-        TVMATH_STORE_LANES(*to, p0);
-        ++to;
-        for (blend const* row = rows; row != rows_end; ++row, ++to) {
+        TVMATH_LOAD_LANES(p1, control[1]);
+        TVMATH_LOAD_LANES(p2, control[2]);
+        TVMATH_LOAD_LANES(p3, control[3]);
+        write_point(to++, common, p0);
+        for (blend const* row = rows; row != rows_end; ++row) {
             double const* const w = row->weight;
-            point_lanes q = p0 * w[0] + p1 * w[1] + p2 * w[2] + p3 * w[3];
-            q[0] = 1.0;
-            *to = blank;
-            TVMATH_STORE_LANES(*to, q);
+            point_lanes const q = p0 * w[0] + p1 * w[1] + p2 * w[2] + p3 * w[3];
+            write_point(to++, common, q);
         }
         p0 = p3;
     }
+    if (with_end) write_point(to, common, p0);
 }
 
-bool has_3d_point(curve const& c) {
-    for (point const& p : c) {
-        if (p.is_3d()) return true;
-    }
-    return false;
+// The path with every point raised to one dimension, a trivial one to the origin; as it is, and shared, when
+// there is nothing to raise.
+curve of_one_dimension(curve const& c, bool solid) {
+    unsigned int const capacity = solid ? 4 : 3;
+    if (std::all_of(c.begin(), c.end(), [=](point const& p) { return p.capacity() == capacity; })) return c;
+    curve raised = c;
+    point* const p = raised.lazycopy_begin();
+    std::for_each(p, p + raised.capacity(), [=](point& q) { q.promote_to(capacity); });
+    return raised;
 }
 
 }  // namespace
@@ -77,17 +89,12 @@ curve render(curve const& c, bool closed, unsigned int n) {
     std::uint64_t const count = std::uint64_t{n} * segments + (closed ? 0 : 1);
     if (count > std::numeric_limits<unsigned int>::max()) return curve();
 
-    point const blank = has_3d_point(c) ? point(true, 0, 0, 0) : point(true, 0, 0);
+    bool const solid = std::any_of(c.begin(), c.end(), [](point const& p) { return p.is_3d(); });
+    curve const path = of_one_dimension(c, solid);
     idioms::array<blend> const table = blending_table(segments == 0 ? 1 : n);
     curve result(static_cast<unsigned int>(count));
     point* const to = result.lazycopy_begin();
-    render_segments(c.begin(), segments, table.begin(), table.end(), blank, to);
-    if (!closed) {
-        point_lanes last;
-        load_control_point(last, c.end()[-1]);
-        to[count - 1] = blank;
-        TVMATH_STORE_LANES(to[count - 1], last);
-    }
+    render_segments(path.begin(), segments, table.begin(), table.end(), !closed, common_part(solid), to);
     return result;
 }
 
