@@ -1,6 +1,9 @@
 #include "tvmath/curve.h"
 
 #include <algorithm>
+#include <limits>
+
+#include "geometry/extent.h"
 
 inline namespace tvmath {
 namespace {
@@ -11,6 +14,15 @@ curve& change_points(curve& c, operation change) {
     point* const first = c.lazycopy_begin();
     std::for_each(first, first + c.capacity(), change);
     return c;
+}
+
+// Applies `change` to every path of a list; a trivial transform leaves the list shared, as it does a path.
+template <class operation>
+idioms::array<curve>& change_paths(idioms::array<curve>& list, transform const& t, operation change) {
+    if (!t.is_2d() && !t.is_3d()) return list;
+    curve* const first = list.lazycopy_begin();
+    std::for_each(first, first + list.capacity(), change);
+    return list;
 }
 
 }  // namespace
@@ -50,10 +62,10 @@ curve& curve::operator/=(transform const& t) {
     return *this;
 }
 
-curve& curve::operator+=(point const& p) {
-    if (p.is_trivial()) return *this;
-    return change_points(*this, [&p](point& q) {
-        if (!q.is_location()) return;  // the point's own translate would raise these to 3D
+curve& curve::operator+=(point const& shift) {
+    if (shift.is_trivial()) return *this;
+    return change_points(*this, [p = shift](point& q) {  // a copy, since `shift` may be a point of this path
+        if (!q.is_location()) return;                    // the point's own translate would raise these to 3D
         if (p.is_2d()) {
             q.translate(p.x(), p.y());
         } else {
@@ -87,30 +99,24 @@ curve protrude(transform const& t, curve c) {
 }
 
 idioms::array<curve>& operator*=(idioms::array<curve>& list, transform const& t) {
-    for (curve *c = list.lazycopy_begin(), *end = c + list.capacity(); c != end; ++c) *c *= t;
-    return list;
+    return change_paths(list, t, [&t](curve& c) { c *= t; });
 }
 
 idioms::array<curve>& operator/=(idioms::array<curve>& list, transform const& t) {
-    for (curve *c = list.lazycopy_begin(), *end = c + list.capacity(); c != end; ++c) *c /= t;
-    return list;
+    return change_paths(list, t, [&t](curve& c) { c /= t; });
 }
 
 CRealRect curve::get_bounding_rect() const {
-    CRealRect extent;
-    if (is_trivial()) return extent;
-    extent.left = extent.right = begin()->x();
-    extent.bottom = extent.top = begin()->y();
+    interval x, y;
     for (point const& p : *this) {
-        extent.left = std::min(extent.left, p.x());
-        extent.right = std::max(extent.right, p.x());
-        extent.bottom = std::min(extent.bottom, p.y());
-        extent.top = std::max(extent.top, p.y());
+        x.widen(p.x());
+        y.widen(p.y());
     }
-    return extent;
+    return rectangle_over(x, y);
 }
 
 idioms::array<double> curve::to_double_array() const {
+    if (capacity() > std::numeric_limits<unsigned int>::max() / 3) return idioms::array<double>();
     idioms::array<double> numbers(3 * capacity());
     double* to = numbers.lazycopy_begin();
     for (point const& p : *this) {
