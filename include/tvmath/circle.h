@@ -14,7 +14,7 @@ public:
     circle(double radius, point center) : ellipse(radius, center) {}
 
     double radius() const { return size(1); }  ///< 0 for the null circle, so it is no test of success.
-    double perimeter() const { return 2 * pi * size(1); }
+    double perimeter() const { return 2 * pi * size(1); }  ///< 0 for the null circle.
 };
 
 }  // namespace tvmath

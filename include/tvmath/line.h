@@ -18,7 +18,8 @@ public:
     line() = default;
     explicit line(transform const& t) : transform(t) {}
     /// The segment from `a` to `b`. Of a location and a direction, in either order, the location is the
-    /// midpoint and the direction the half of the segment. Trivial when both are.
+    /// midpoint and the direction the half of the segment; of two directions the second counts as the
+    /// midpoint. A trivial point counts as the origin; trivial when both are.
     ///
     /// The direction of a 3D line is flattened into XY, so its length is the length in XY; the midpoint keeps
     /// its z. A line of no extent in XY holds a NaN or infinities in its inverse map.
@@ -30,7 +31,7 @@ public:
     /// Length of the whole segment.
     double length() const { return 2 * size(1); }
 
-    /// Extent in XY.
+    /// Exact extent in XY.
     CRealRect get_bounding_rect() const;
     /// Extent, in XY, of the band of half-width |offset| around the segment as it lies after `t`: of its four
     /// corners. The offset is measured after `t`, along the image of `basis(2)`.

@@ -15,8 +15,8 @@ public:
     explicit plane(transform const& t) : transform(t) {}
     /// The plane through `center` with that normal, of any length but 0. The axes are right-handed; the first
     /// one is the image, in the plane, of the coordinate axis that is most nearly perpendicular to the
-    /// normal, X before Y before Z when they differ by less than 1e-6. `center` must be 3D: its x, y, z are
-    /// taken as they stand.
+    /// normal, Z before Y before X when their components in the normal differ by less than 1e-6. A 2D
+    /// `center` lies in z = 0. A normal of length 0 gives axes of length 0 and NaN in the inverse map.
     plane(point center, point normal);
 
     point normal() const { return normalize(basis(3)); }

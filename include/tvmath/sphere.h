@@ -26,9 +26,10 @@ public:
     double volume() const;
     /// Exact extent in XY.
     CRealRect get_bounding_rect() const;
-    /// Appends Bezier paths for a drawing as seen along -Z: first the outline circle in XY (13 control
-    /// points), then, for each axis of the sphere, the half of the equator normal to it that faces the
-    /// viewer.
+    /// Appends four Bezier paths in space for a drawing as seen along -Z: first the outline circle (13
+    /// control points), then, for each axis of the sphere, the half of the great circle normal to it that
+    /// lies above the centre (7 control points each). For an axis along Z that circle is the outline, and
+    /// half of it is repeated, so that every sphere has as many paths.
     void render_bezier_equators(std::vector<curve>& paths) const;
 };
 
