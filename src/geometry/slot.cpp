@@ -19,7 +19,7 @@ end_axes end_axes_of(slot const& s) {
 }
 
 circle end_circle(slot const& s, double side) {
-    if (s.is_trivial()) return circle();
+    if (s.is_trivial()) return circle(s);
     point const center = s.basis(0) + s.basis(1) * side;
     double const radius = s.size(2);
     if (!s.is_3d()) return circle(radius, center);
