@@ -48,8 +48,8 @@ circle slot::get_right_end() const {
 CRealRect slot::get_bounding_rect() const {
     auto const [w, v] = end_axes_of(*this);
     point const u = basis(1);
-    return rect_about(basis(0), sqrt(sqr(w.x()) + sqr(v.x())) + std::fabs(u.x()),
-                      sqrt(sqr(w.y()) + sqr(v.y())) + std::fabs(u.y()));
+    return rect_about(basis(0), std::hypot(w.x(), v.x()) + std::fabs(u.x()),
+                      std::hypot(w.y(), v.y()) + std::fabs(u.y()));
 }
 
 curve slot::render_bezier() const {
