@@ -58,7 +58,8 @@ public:
     cone& operator-=(point const& p);
 
     /// Appends Bezier paths for a drawing as seen along -Z: both ends (13 control points each), then the two
-    /// silhouette lines from base to top (4 each), left out when one end hides the other.
+    /// silhouette lines from base to top (4 each), left and right of the axis, left out when one end hides
+    /// the other. Nothing for the null cone.
     void render_cone(std::vector<curve>& paths) const;
 };
 

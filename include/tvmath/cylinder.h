@@ -18,8 +18,9 @@ class TVMATH_API cylinder : public transform {
 public:
     cylinder() = default;
     explicit cylinder(transform const& t) : transform(t) {}
-    /// `axis` may have any length but 0. The first radial vector is the image, across the axis, of the
-    /// coordinate axis most nearly perpendicular to it. A 2D `center` lies at z = 0.
+    /// `axis` may have any length but 0, which leaves a cylinder of no extent with NaN in its inverse map.
+    /// The first radial vector is the image, across the axis, of the coordinate axis most nearly
+    /// perpendicular to it. A 2D `center` lies at z = 0.
     cylinder(double radius, double height, point center, point axis);
 
     double radius() const { return size(1); }
@@ -32,6 +33,7 @@ public:
     /// Angle of the axis in the XY plane; 0 when it points along Z (x and y below 1e-10).
     double yaw() const;
     /// The end circles at `basis(0)` + `basis(3)` and `basis(0)` - `basis(3)`, in planes normal to the axis.
+    /// Null for the null cylinder.
     circle get_top() const;
     circle get_bottom() const;
     /// Exact extent in XY.
@@ -40,8 +42,8 @@ public:
     /// Outlines for a drawing as seen along -Z, as polylines: the top end and the bottom end (each closed,
     /// its first point repeated at the end) and the two silhouette lines from bottom to top, left and right
     /// of the axis. With `visible_only` the end that faces away keeps only the half that the body does not
-    /// hide. When the axis points along Z there are no silhouette lines and, with `visible_only`, no hidden
-    /// end.
+    /// hide, from left to right. When the axis points along Z there are no silhouette lines and, with
+    /// `visible_only`, no hidden end.
     void render_cylinder(idioms::array<point>& top, idioms::array<point>& bottom, idioms::array<point>& left,
                          idioms::array<point>& right, bool visible_only) const;
 };

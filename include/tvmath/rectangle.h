@@ -41,7 +41,8 @@ public:
     /// each along the height: 2 (n + m) points, the first not repeated. Counts below 1 count as 1.
     curve render_rectangle(int n, int m) const;
     /// The same of the parallel outline at `offset`, outside when positive, with sharp corners. Sides keep
-    /// their number of segments.
+    /// their number of segments. Infinities or NaN when the axes are parallel; a flat rectangle, one axis
+    /// being 0, grows across the other one in its plane.
     curve render_rectangle(int n, double offset, int m) const;
     /// One parallel outline for each offset.
     idioms::array<curve> render_rectangle(int n, vector offsets, int m) const;

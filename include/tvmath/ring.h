@@ -34,8 +34,8 @@ public:
     /// `n` points at equal steps of the angle from 0; the first is not repeated. Empty for `n` below 1.
     curve render_ring(int n) const;
     /// Number of points for a polygon that stays within `tolerance` of the mean circle and follows every
-    /// harmonic: a multiple of 4, at least 8 and at least twice the number of coefficients. 0 for an empty
-    /// series.
+    /// harmonic: a multiple of 4, at least 8, or twice the number of coefficients where that is more. The
+    /// tolerance counts as 5e-6 to 0.3 of c0, as 5e-6 when c0 is negative. 0 for an empty series.
     int rendering_density(double tolerance) const;
 };
 

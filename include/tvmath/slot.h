@@ -25,7 +25,8 @@ public:
     double semiminor() const { return size(2); }            ///< Half the width.
     double area() const;
     double perimeter() const { return 4 * size(1) + 2 * pi * size(2); }
-    /// The circles of the ends, at `basis(0)` - `basis(1)` and at `basis(0)` + `basis(1)`.
+    /// The circles of the ends, at `basis(0)` - `basis(1)` and at `basis(0)` + `basis(1)`, in the plane of
+    /// the slot. Null for the null slot.
     circle get_left_end() const;
     circle get_right_end() const;
 
