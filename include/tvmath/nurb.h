@@ -54,7 +54,13 @@ private:
 /// A copy-on-write handle. The parameter runs from knot `order` - 1 to knot `point_count`, both counted from
 /// 0; knots must not descend. Lengths are in the caller's units. Indices are not tested. The default is the
 /// null curve, of order 0 (`is_trivial()`). A handle that was moved from raises `pointer_exception`, as does
-/// a curve for which there was no memory.
+/// a curve for which there was no memory. Numbers that are no curve (knots out of order, fewer points than
+/// the order, NaN) give answers without meaning, but never more than that.
+///
+/// A span is the parameters between two neighbouring knots of that range; an empty one, between equal knots,
+/// does not count. Spans are rendered and measured as polynomials, which lose about a bit for each degree:
+/// that is for the degrees in use, and beyond order 256 a curve counts as one without spans. `evaluate` takes
+/// any order and loses nothing.
 ///
 /// Source of the methods: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, chapters 2 to 5.
 class TVMATH_API nurb {
@@ -82,25 +88,30 @@ public:
     /// Changes the size; the first points and the first knots stay as far as they fit, new ones are 0.
     void redim(std::uint32_t order, std::uint32_t point_count);
 
-    /// The rational point at parameter `t`, by the Cox-de Boor recursion; the end of the curve at the last
-    /// knot. All zero for the null curve and outside the knots.
+    /// The rational point at parameter `t`: the control points times their functions of the Cox-de Boor
+    /// recursion. At the last knot the end of the curve; outside the knots, for a NaN and for the null curve
+    /// all zero. Between the knots and the parameter range, where a curve with single end knots has some of
+    /// its functions only, the sum of those: its w is below the weights.
     TQ3RationalPoint4D evaluate(double t) const;
     /// Coefficients, in ascending powers of (u - t), of the basis functions that are not zero on the span
     /// from knot `span` to knot `span` + 1: `order` rows of `order` numbers, row r for control point `span` -
-    /// `degree()` + r. `span` lies between `degree()` and `control_points()` - 1. An empty span gives zeros.
+    /// `degree()` + r. `span` lies between `degree()` and `control_points()` - 1; any other one, and an empty
+    /// one, gives zeros.
     void calc_poly(unsigned int span, double* table, double t) const;
     /// Coefficients, likewise, of the curve itself on that span: `order` rational points.
     void calc_poly(unsigned int span, TQ3RationalPoint4D* coefficients, double t) const;
 
     /// The same path from its end to its start; each knot k becomes last knot - k.
     void reverse();
-    /// Inserts `n` knots, ascending, without changing the curve. Values outside the parameter range, and
-    /// those that would occur more than `order` times, are left out.
+    /// Inserts `n` knots, in any order, without changing the curve; the cost grows with the sum of old and
+    /// new knots. Values outside the parameter range, NaN, and those that would occur more than `order` times
+    /// are left out.
     ///
     /// Source: W. Boehm, Inserting new knots into B-spline curves, Computer-Aided Design 12 (1980) 199-201.
     void insert_knots(double const* values, unsigned int n);
     /// Cuts the curve down to the parameters from `a` to `b`, as far as it has them; what stays keeps its
-    /// parameters. Nothing changes unless a < b and the range is met.
+    /// parameters. The new ends are knots that occur `order` times, so that the curve starts and ends in a
+    /// control point and is nothing outside. Nothing changes unless a < b and the range is met.
     void clip_evaluation_range(double a, double b);
 
     /// Carries the control points through the transform, weights kept; the curve moves with them.
@@ -113,20 +124,31 @@ public:
     /// Length in space, by Romberg's quadrature over each span. 0 for the null curve.
     void compute_moments(double& length) const;
     /// Signed area (positive anticlockwise) and centroid of the region that the curve encloses in XY, and the
-    /// length in space. A curve that is not closed counts as if its ends were joined by a straight line,
-    /// which adds nothing to the perimeter. The centroid is 2D, trivial for an area of 0.
+    /// length in space, span by span as above. Where the curve jumps, and from its end to its start, a
+    /// straight line closes the region and adds nothing to the perimeter. The centroid is 2D; trivial for an
+    /// area of 0, and for one that is no more than the rounding of the squared perimeter.
     void compute_moments(double& area, double& perimeter, point& centroid) const;
 
-    /// Polyline: `n` points for each span that is not empty, at equal steps of the parameter, and the end of
-    /// the curve unless `closed`. 3D locations. An `n` below 1 counts as 1. Empty for the null curve.
+    /// Polyline: the start of the curve unless `closed`, and for each span `n` points at equal steps of the
+    /// parameter, the last one its end. 3D locations. An `n` below 1 counts as 1. Empty for a curve without
+    /// spans, and when the points were too many to be counted in 32 bits.
     curve render(int n, bool closed) const;
-    /// Cubic Bezier path near to the curve. A curve of degree up to 3 with equal weights is the path itself;
-    /// any other is followed by Hermite pieces, halved until they are within 1e-6 of the size of the control
-    /// polygon at the samples between their ends, at most 1024 pieces for each span.
+    /// Cubic Bezier path along the curve, of 3D locations; where the curve jumps, a straight piece leads on.
+    /// Empty for a curve without spans.
+    ///
+    /// A curve of degree 1 to 3 with equal weights is such a path itself. Any other is followed by Hermite
+    /// pieces, which have its points and derivatives at their ends, halved until they lie, at the seven
+    /// samples between their ends, within 0.5e-6 of the largest extent of the control points; that keeps them
+    /// within 1e-6 between the samples. 1024 pieces for a span at most.
     curve render_bezier() const;
-    /// Polyline that stays within `tolerance` of the curve where `n` samples for each span can tell: spans
-    /// are halved until the middle of a piece is near enough to its chord. Points are relative to `origin`,
-    /// so that a drawing keeps its digits far from the machine's zero; a trivial `origin` moves nothing.
+    /// Polyline that stays within `tolerance` of the curve: `n` pieces for each span at equal steps of the
+    /// parameter, halved until the curve at a quarter, half and three quarters of a piece is within 0.9 of
+    /// the tolerance of its chord. What `n` pieces cannot tell from a straight line stays unseen.
+    ///
+    /// 3D locations relative to `origin`, so that a drawing keeps its digits far from the machine's zero; a
+    /// trivial `origin` moves nothing. The tolerance is at least 1e-9 of the largest extent of the control
+    /// points, which is also what 0, a negative one and NaN ask for; `n` counts as 1 to 65536, which is the
+    /// most pieces that a span gets. Empty for a curve without spans.
     curve render_polyline(point origin, double tolerance, unsigned int n) const;
 
     friend void swap(nurb& a, nurb& b) noexcept {
@@ -159,15 +181,16 @@ TVMATH_API void compute_moments(idioms::array<nurb> const& outline, double& area
                                 point& centroid);
 
 /// A Bezier path of any degree (cubic: 3) as one curve with weights of 1 and the knots 0, 1, ... of its
-/// joints, each `degree` times, the ends once more. Trivial unless the path has a size of `degree` n + 1 and
-/// more than `degree` points.
+/// joints, each `degree` times, the ends once more. Trivial unless the degree is at least 1 and the path has
+/// a size of `degree` n + 1 and more than `degree` points.
 TVMATH_API nurb bezier_to_nurb(curve const& c, unsigned int degree);
 /// The points as the control points of a B-spline with the knots 0, 1, 2, ...: the curve does not reach the
 /// end points. Trivial unless there are more than `degree` points.
 TVMATH_API nurb uniform_bspline_to_nurb(curve const& c, unsigned int degree);
 
 /// What is integrated along a curve, over one span: a few numbers for each parameter. As an `integrand` it is
-/// the first of them, the length of the derivative, so its integral is the length of the span.
+/// the first of them, the length of the derivative, so its integral is the length of the span. A span that is
+/// empty, or that `calc_poly` does not take, gives zeros between the bounds 0 and 0.
 class TVMATH_API nurb_integrand : public integrand {
 public:
     /// `span` as in `calc_poly`; the bounds are its two knots.
@@ -178,12 +201,14 @@ public:
     virtual vector value(double t) const = 0;
 
 protected:
-    /// Point (not divided by nothing: in space) and derivative at `t`, both as x, y, z.
+    /// The same with positions relative to `origin`; for a trivial `origin`, to some point near the span.
+    nurb_integrand(nurb const& n, unsigned int span, point const& origin);
+    /// Position, relative to the origin, and derivative at `t`, both in space as x, y, z.
     void evaluate(double t, double (&position)[3], double (&derivative)[3]) const;
 
 private:
-    idioms::array<double> coefficients_;  // x, y, z, w of each power of (t - lower)
-    double lower_, upper_;
+    idioms::array<TQ3RationalPoint4D> coefficients_;  // of the powers of (t - middle)
+    double lower_ = 0, upper_ = 0, middle_ = 0;
 };
 
 /// Arc length alone.
@@ -193,15 +218,12 @@ public:
     vector value(double t) const override;
 };
 
-/// Arc length, area and the first moments of the area about the X and the Y axis, all by Green's theorem
-/// about `origin`.
+/// Arc length, area, and the integrals of x and of y over that area, all by Green's theorem about `origin`:
+/// the region is the one that the radius from there sweeps, anticlockwise positive.
 class TVMATH_API closed_nurb_integrand : public nurb_integrand {
 public:
     closed_nurb_integrand(nurb const& n, unsigned int span, point const& origin);
     vector value(double t) const override;
-
-private:
-    point origin_;
 };
 
 }  // namespace tvmath
