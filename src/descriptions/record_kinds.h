@@ -1,9 +1,13 @@
 #pragma once
 
 #include <bit>
+#include <concepts>
+#include <memory>
 #include <type_traits>
+#include <vector>
 
 #include "tvmath/geometry_description.h"
+#include "tvmath/geometry_queries.h"
 
 inline namespace tvmath {
 
@@ -35,15 +39,31 @@ using all_record_kinds =
 // All bits up to the highest one, but for the two segmented splines, which are only names.
 static_assert(all_record_kinds::mask == (0x7ffffff & ~0x600000));
 
-/// What `query` answers for the record as its own class. False for a record that is none of ours: a class of
-/// the user's own may have any type value, so the value alone proves nothing about the class.
+/// What `query` answers for the record as its own class; it must answer the same type for every kind. An
+/// empty answer for a record that is none of ours: a class of the user's own may have any type value, so the
+/// value alone proves nothing about the class.
 template <class action>
-bool ask_record(Geometry_Description const& feature, action const& query) {
-    bool answer = false;
+auto ask_record(Geometry_Description const& feature, action const& query) {
+    decltype(query(Point_Description())) answer{};
     all_record_kinds::with_class(feature.type(), [&]<class kind>(std::type_identity<kind>) {
         if (auto const* const record = dynamic_cast<kind const*>(&feature)) answer = query(*record);
     });
     return answer;
 }
+
+/// The record that a getter hands out; null when it gives none.
+inline std::unique_ptr<Geometry_Description> held_record(GeometryGetter const& getter) {
+    std::unique_ptr<Geometry_Description> record(Geometry_Description::create(getter.type()));
+    if (record && !getter.get(*record)) record.reset();
+    return record;
+}
+
+/// Records around one shape that is a transform of a unit shape.
+template <class kind>
+concept shape_record = std::derived_from<decltype(kind::geometry), transform>;
+
+/// Records of measured points.
+template <class kind>
+concept data_record = std::same_as<decltype(kind::points), std::vector<point>>;
 
 }  // namespace tvmath

@@ -24,12 +24,8 @@ public:
     explicit span_path(nurb const& curve_of_spans);
 
     bool is_empty() const { return spans_.empty(); }
-    /// The nearest point in space, of the first span of those that are equally near.
+    /// The nearest point in space. There must be a span.
     xyz closest(xyz const& p) const;
-
-    // Extent of the control points, and their mean.
-    xyz low() const;
-    xyz high() const;
 
 private:
     struct control {
