@@ -12,11 +12,6 @@ curve list_of(std::vector<point> const& points) {
     return idioms::array<point>(static_cast<unsigned int>(points.size()), points.data());
 }
 
-// A smooth path round a rippled circle: control points at equal steps.
-curve rippled_path(std::int64_t segments) {
-    return list_of(rippled_circle(3 * segments + 1));
-}
-
 // Segments with extremes inside, none like the next.
 curve tangled_path(std::int64_t segments) {
     return list_of(space_cloud(3 * segments + 1));
@@ -52,9 +47,8 @@ void extent_of_path(benchmark::State& state) {
     segments_per_second(state);
 }
 
-template <curve (*make)(std::int64_t)>
 void length_of_path(benchmark::State& state) {
-    curve const c = make(state.range(0));
+    curve const c = tangled_path(state.range(0));
     double length = 0;
     for (auto _ : state) benchmark::DoNotOptimize(calculate_bezier_length(c, length));
     segments_per_second(state);
@@ -94,8 +88,7 @@ int const registered = [] {
     register_sizes("bezier_render", "tvmath", render_path, segments);
     register_sizes("bezier_render", "write_points", write_points, segments);
     register_sizes("bezier_extent", "tvmath", extent_of_path, segments);
-    register_sizes("bezier_length", "tvmath", length_of_path<tangled_path>, segments);
-    register_sizes("bezier_length_smooth", "tvmath", length_of_path<rippled_path>, segments);
+    register_sizes("bezier_length", "tvmath", length_of_path, segments);
     register_sizes("bezier_moments", "tvmath", moments_of_path, segments);
     // Tenfold sizes show the linear growth.
     std::vector<std::int64_t> const points = {10000, 100000, 1000000};

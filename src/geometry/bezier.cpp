@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "geometry/extent.h"
+#include "geometry/point_lanes.h"
 #include "tvmath/curve.h"
 
 inline namespace tvmath {
@@ -58,10 +59,11 @@ void widen_by_extremes(interval& extent, double const* v) {
 }
 
 // Length of a segment by the trapezoid rule, refined until a refinement changes it by less than 1e-5 of
-// itself, at most to 256 panels.
-double segment_length(segment const& s) {
-    // The derivative is 3 (c0 + c1 t + c2 t²). Its square is summed from both coordinates, never negative; as
-    // an expanded quartic it would cancel near a cusp.
+// itself, at most to 256 panels. The speeds of a level are independent, so that their roots are taken several
+// at once; they are added in the order of the path.
+TVMATH_WIDE_LOOP double segment_length(segment const& s) {
+    // The derivative is x0 + x1 t + x2 t², and the same in y. Its square is summed from both coordinates,
+    // never negative; as an expanded quartic it would cancel near a cusp.
     double const *const x = s.x, *const y = s.y;
     double const x0 = 3 * (x[1] - x[0]), y0 = 3 * (y[1] - y[0]);
     double const x1 = 6 * ((x[2] - x[1]) - (x[1] - x[0])), y1 = 6 * ((y[2] - y[1]) - (y[1] - y[0]));
@@ -70,12 +72,15 @@ double segment_length(segment const& s) {
         double const dx = x0 + t * (x1 + t * x2), dy = y0 + t * (y1 + t * y2);
         return std::sqrt(dx * dx + dy * dy);
     };
+    constexpr int last_level = 7;
+    double speeds[1 << last_level];
     double length = (speed(0) + speed(1)) / 2;
-    for (int level = 0; level <= 7; ++level) {
+    for (int level = 0; level <= last_level; ++level) {
         int const panels = 1 << level;
         double const h = 1.0 / panels, previous = length;
+        for (int i = 0; i < panels; ++i) speeds[i] = speed((i + 0.5) * h);
         double sum = 0;
-        for (int i = 0; i < panels; ++i) sum += speed((i + 0.5) * h);
+        for (int i = 0; i < panels; ++i) sum += speeds[i];
         length = (sum * h + length) / 2;
         if (std::fabs(length - previous) < 1e-5 * length) break;
     }

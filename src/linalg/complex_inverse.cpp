@@ -28,6 +28,7 @@ constexpr double ln_2 = 0.6931471805599453;
 first_quadrant near_or_far(double x, double y) {
     constexpr double epsilon = std::numeric_limits<double>::epsilon();
     double const above = x + 1, beyond = x - 1;
+    if (std::isnan(x + y)) return {x + y, x + y, x + y};
     if (y <= epsilon * fabs(beyond)) {  // as good as on the real axis
         if (x < 1) {
             double const root = sqrt(above * -beyond);
