@@ -65,7 +65,7 @@ std::string words_of(render_request const& request) {
     for (std::string const& d : request.offsets) words += " --offset " + d;
     if (!request.view.empty()) words += " --view";
     for (std::string const& a : request.view) words += ' ' + a;
-    constexpr std::size_t longest = 56;  // as much as a cell is wide
+    constexpr std::size_t longest = 48;  // as much as a cell is wide
     if (words.size() > longest) words.replace(longest, std::string::npos, " ...");
     return words;
 }
