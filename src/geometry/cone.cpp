@@ -8,9 +8,8 @@
 inline namespace tvmath {
 namespace {
 
-// The axis, or Z where there is none: of a null cone, and of ends that coincide.
-point axis_of(cone const& c) {
-    return c.is_trivial() || sqr(c.axis) == 0.0 ? point(false, 0, 0, 1) : c.axis;
+point z_axis() {
+    return point(false, 0, 0, 1);
 }
 
 circle end_circle(transform const& frame, point const& center, double radius) {
@@ -58,11 +57,11 @@ point cone::vertex() const {
 }
 
 double cone::pitch() const {
-    return pitch_of(axis_of(*this));
+    return pitch_of(is_trivial() ? z_axis() : axis);
 }
 
 double cone::yaw() const {
-    return yaw_of(axis_of(*this));
+    return yaw_of(is_trivial() ? z_axis() : axis);
 }
 
 void cone::get_ends(circle& at_base, circle& at_top) const {
@@ -79,7 +78,9 @@ CRealRect cone::get_bounding_rect() const {
 }
 
 transform cone::make_transform() const {
-    return is_trivial() ? transform() : transform::extrusion(axis_of(*this)).translate(base);
+    if (is_trivial()) return transform();
+    // Ends that coincide leave no axis; seen from above they then are two circles all the same.
+    return transform::extrusion(sqr(axis) == 0.0 ? z_axis() : axis).translate(base);
 }
 
 namespace {

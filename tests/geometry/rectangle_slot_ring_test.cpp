@@ -14,19 +14,15 @@
 inline namespace tvmath {
 namespace {
 
-point along(seeded_random& random) {
-    return point(false, random.uniform(-3, 3), random.uniform(-3, 3));
-}
-
 transform oblique_map(seeded_random& random) {
-    return make_transform(at(random.uniform(-9, 9), random.uniform(-9, 9)), along(random), along(random));
+    auto const along = [&] { return point(false, random.uniform(-3, 3), random.uniform(-3, 3)); };
+    return make_transform(at(0, 0) + 3 * along(), along(), along());
 }
 
 // A turn in space, a scale and a shift: the maps under which rectangles and slots keep their kind.
 transform similarity(seeded_random& random) {
     double const s = random.log_uniform(0.1, 10);
-    transform t = transform::rotation(random.uniform(-3, 3), random.uniform(-1, 1), random.uniform(-3, 3));
-    return t.dilate(s, s, s).translate(random.uniform(-9, 9), random.uniform(-9, 9), random.uniform(-9, 9));
+    return transform::rotation(random.normal(), random.normal(), 1).dilate(s, s, s).translate(1, 2, 3);
 }
 
 double difference(CRealRect const& a, CRealRect const& b) {
@@ -95,24 +91,11 @@ TEST(Rectangle, BoundingRectIsTheExtentOfTheCorners) {
 
 TEST(Rectangle, QuarterTurnsStartTheSameOutlineAtAnotherCorner) {
     rectangle const r(4, 2, 0.3, at(10, 20, 30));
-    for (int k = -5; k <= 5; ++k) {
-        rectangle const turned = rotate_rectangle(r, k);
-        for (unsigned int i = 0; i < 4; ++i) {
-            point const corner = r.render_rectangle()[(i + static_cast<unsigned int>(k)) % 4];
-            EXPECT_LT(distance3d(turned.render_rectangle()[i], corner), 1e-14) << k;
-        }
+    for (unsigned int i = 0; i < 44; ++i) {
+        int const k = static_cast<int>(i / 4) - 5;
+        point const corner = r.render_rectangle()[(i + i / 4 + 3) % 4];
+        EXPECT_LT(distance3d(rotate_rectangle(r, k).render_rectangle()[i % 4], corner), 1e-14) << k;
     }
-}
-
-// Points of a cubic path, 64 for each segment, by the definition of the Bernstein polynomials.
-curve bezier_points(curve const& path) {
-    curve points(path.capacity() / 3 * 64);
-    for (unsigned int i = 0; i < points.capacity(); ++i) {
-        point const* const c = path.begin() + i / 64 * 3;
-        double const t = i % 64 / 64.0, s = 1 - t;
-        points(i) = s * s * s * c[0] + 3 * s * s * t * c[1] + 3 * s * t * t * c[2] + t * t * t * c[3];
-    }
-    return points;
 }
 
 TEST(Slot, PathKeepsTheEndRadiusFromTheLineBetweenTheEnds) {
@@ -122,13 +105,11 @@ TEST(Slot, PathKeepsTheEndRadiusFromTheLineBetweenTheEnds) {
         double const r = random.uniform(0.1, 3), length = r + (trial % 10 ? random.uniform(0, 5) : 0);
         double const angle = random.uniform(-3, 3);
         slot const s(length, r, angle, at(random.uniform(-5, 5), random.uniform(-5, 5)));
-        curve const path = s.render_bezier(), outline = bezier_points(path);
-        ASSERT_EQ(path.capacity(), 19u);
-        EXPECT_EQ(path[0], path[18]);
+        curve const path = s.render_bezier(), outline = render(path, true, 64);
+        ASSERT_TRUE(outline.capacity() == 384 && path[0] == path[18]);
         double around = 0, twice_area = 0;
-        for (unsigned int i = 0; i < outline.capacity(); ++i) {
-            point const p = (outline[i] - s.basis(0)).rotate(-angle),
-                        next = outline[(i + 1) % outline.capacity()];
+        for (unsigned int i = 0; i < 384; ++i) {
+            point const p = (outline[i] - s.basis(0)).rotate(-angle), &next = outline[(i + 1) % 384];
             double const beyond = std::max(std::fabs(p.x()) - (length - r), 0.0);
             EXPECT_NEAR(std::hypot(beyond, p.y()), r, 2.8e-4 * r + 1e-14);
             around += distance2d(outline[i], next);
@@ -142,12 +123,10 @@ TEST(Slot, PathKeepsTheEndRadiusFromTheLineBetweenTheEnds) {
         for (unsigned int i = 0; i < 19; ++i) {
             EXPECT_LT(distance3d(moved.render_bezier()[i], path[i] * t), 1e-12);
         }
-        circle const ends[] = {moved.get_left_end(), moved.get_right_end()};
-        for (int i = 0; i < 2; ++i) {
-            point const center = at(i == 0 ? -1 : 1, 0) * moved;
-            EXPECT_LT(distance3d(ends[i].basis(0), center), 1e-13);
-            EXPECT_NEAR(distance3d(at(0.6, 0.8) * ends[i], center), moved.semiminor(), 1e-12);
-            EXPECT_NEAR((at(0.6, 0.8) * ends[i] / t).z(), 0, 1e-12);  // in the slot's plane
+        for (double const side : {-1, 1}) {
+            point const rim = at(0.6, 0.8) * (side < 0 ? moved.get_left_end() : moved.get_right_end());
+            EXPECT_NEAR(distance3d(rim, at(side, 0) * moved), moved.semiminor(), 1e-12);
+            EXPECT_NEAR((rim / t).z(), 0, 1e-12);  // in the slot's plane
         }
     }
 }
