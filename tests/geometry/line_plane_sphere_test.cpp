@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "support/random_maps.h"
 #include "support/relative.h"
 #include "support/shape_points.h"
+#include "support/shape_properties.h"
 #include "tvmath/line.h"
 #include "tvmath/plane.h"
 #include "tvmath/scalar.h"
@@ -20,10 +20,6 @@ point along(double x, double y, double z) {
 point random_location(seeded_random& random) {
     double const x = random.uniform(-100, 100), y = random.uniform(-100, 100);
     return random.coin() ? at(x, y) : at(x, y, random.uniform(-100, 100));
-}
-
-double corner_distance(CRealRect const& a, CRealRect const& b) {
-    return distance2d(a.TopLeft(), b.TopLeft()) + distance2d(a.BottomRight(), b.BottomRight());
 }
 
 TEST(Line, TakesEndsOrAMidpointAndItsHalf) {

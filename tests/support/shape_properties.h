@@ -1,6 +1,9 @@
 #pragma once
 
+#include <algorithm>
+
 #include "seeded_random.h"
+#include "tvmath/real_rect.h"
 #include "tvmath/transform.h"
 
 inline namespace tvmath {
@@ -12,6 +15,11 @@ inline transform random_map(seeded_random& random) {
         return transform::dilation(random.uniform(0.5, 2), -1).rotate(number()).translate(9, 8);
     transform const turn = transform::rotation(number(), number(), number());
     return transform::dilation(random.uniform(0.5, 2), 1, 0.8) * turn * transform(1, 2, number());
+}
+
+/// The largest difference of two corners.
+inline double corner_distance(CRealRect const& a, CRealRect const& b) {
+    return std::max(distance2d(a.TopLeft(), b.TopLeft()), distance2d(a.BottomRight(), b.BottomRight()));
 }
 
 }  // namespace tvmath
