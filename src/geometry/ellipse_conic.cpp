@@ -32,11 +32,11 @@ double accurate_dot(std::initializer_list<factors> products) {
     return sum + rounding;
 }
 
-// Binary exponent of the largest magnitude; 0 when all are 0.
+// Binary exponent of the largest magnitude; below that of any number when all are 0.
 int common_exponent(std::initializer_list<double> numbers) {
     double largest = 0;
     for (double const x : numbers) largest = std::max(largest, std::fabs(x));
-    return largest == 0 ? 0 : std::ilogb(largest);
+    return largest == 0 ? -10000 : std::ilogb(largest);
 }
 
 // a x² + 2 b x y + c y² + 2 d x + 2 e y + f, with a + c > 0, about 1 in size: the units of the coefficients
@@ -51,12 +51,7 @@ struct scaled_conic {
         a = sign * std::ldexp(A, -unit);
         b = sign * std::ldexp(B, -unit - 1);
         c = sign * std::ldexp(C, -unit);
-        int const slope = common_exponent({D, E}), level = common_exponent({F});
-        bool const has_slope = D != 0 || E != 0, has_level = F != 0;
-        int const by_slope = slope - unit, by_level = (level - unit) / 2;
-        length_exponent = has_slope && has_level ? std::max(by_slope, by_level)
-                          : has_slope            ? by_slope
-                                                 : by_level;
+        length_exponent = std::max(common_exponent({D, E}) - unit, (common_exponent({F}) - unit) / 2);
         d = sign * std::ldexp(D, -unit - 1 - length_exponent);
         e = sign * std::ldexp(E, -unit - 1 - length_exponent);
         f = sign * std::ldexp(F, -unit - 2 * length_exponent);
