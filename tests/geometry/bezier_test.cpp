@@ -154,6 +154,8 @@ TEST(BezierLength, IsThatWorkedByHand) {
     EXPECT_FALSE(calculate_bezier_length(curve(3), length) || calculate_bezier_length(curve(), length));
     EXPECT_EQ(length, 9);
     EXPECT_TRUE(calculate_bezier_length(path({at(2, 3)}), length) && length == 0);
+    EXPECT_TRUE(calculate_bezier_length(path({at(0, 3), at(0, 2), at(0, 1), point()}), length) &&
+                length == 3);
     EXPECT_TRUE(calculate_bezier_length(path({at(1, 1), at(2, 1), at(3, 1), at(4, 1, 9)}), length) &&
                 length == 3);
     // A speed of 1 - b/6 + b u t along a chord of 1: n panels lack b / 6n², a change of b / 2n² from n / 2
