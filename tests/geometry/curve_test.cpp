@@ -51,8 +51,8 @@ TEST(Curve, ShiftsLocationsOnlyAndKeepsWeights) {
 TEST(Curve, StaysSharedUnderNeutralOperations) {
     curve const c = ruler(5);
     EXPECT_TRUE(c * 1.0 == c && c / 1.0 == c && c * transform() == c && c / transform() == c && c + gap == c);
-    curve few = c, middle = c;
-    EXPECT_TRUE(few.reduce_points_to_number(5, true) == c && middle.reduce_points_to_number_middle(9) == c);
+    EXPECT_TRUE(curve(c).reduce_points_to_number(5, true) == c);
+    EXPECT_TRUE(curve(c).reduce_points_to_number_middle(9) == c);
 }
 
 TEST(Curve, GivesExtentAndNumbersOfAllPoints) {
