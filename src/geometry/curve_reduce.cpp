@@ -26,40 +26,59 @@ bool span_fits(point const* first, point const* last, double t) {
     return true;
 }
 
-}  // namespace
+// The points that a reduction keeps, at most `limit`. Grows as they come: a list of which little stays is
+// neither unshared nor matched by a block of its own size.
+class kept_points {
+public:
+    explicit kept_points(unsigned int limit) : limit_(limit), list_(std::min(limit, 64u)) {}
 
-// The reductions that look at coordinates move the kept points to the front of the block: a kept point never
-// stands behind its old place, so nothing is overwritten before it is read.
+    void add(point const& p) {
+        unsigned int const room = list_.capacity();
+        if (count_ == room) list_.redim(room > limit_ / 2 ? limit_ : 2 * room);
+        list_.lazycopy_begin()[count_++] = p;
+    }
+    curve take() {
+        list_.redim(count_);
+        return list_;
+    }
+
+private:
+    unsigned int limit_, count_ = 0;
+    idioms::array<point> list_;
+};
+
+}  // namespace
 
 curve& curve::reduce_points_by_tolerance(double t, bool) {
     unsigned int const n = capacity();
     if (n == 0) return *this;
-    point* const p = lazycopy_begin();
-    unsigned int kept = 1;
+    point const* const p = begin();
+    kept_points kept(n);
+    kept.add(p[0]);
     for (unsigned int i = 0; i + 1 < n;) {
         unsigned int step = std::min(longest_span, n - 1 - i);
         while (step > 1 && !span_fits(p + i, p + i + step, t)) step >>= 1;
         i += step;
-        p[kept++] = p[i];
+        kept.add(p[i]);
     }
-    redim(kept);
-    return *this;
+    return *this = kept.take();
 }
 
 curve& curve::reduce_points_by_interval(double d, bool closed) {
     unsigned int const n = capacity();
     if (n == 0) return *this;
-    point* const p = lazycopy_begin();
-    unsigned int kept = 1, reference = 0;
+    point const* const p = begin();
+    kept_points kept(n);
+    kept.add(p[0]);
+    unsigned int reference = 0;
     for (unsigned int i = 1; i < n; ++i) {
-        if (distance2d(p[i], p[kept - 1]) >= d) {
-            p[kept++] = p[i];
+        if (distance2d(p[i], p[reference]) >= d) {
+            kept.add(p[i]);
             reference = i;
         }
     }
-    if (!closed && reference != n - 1) p[kept++] = p[n - 1];
-    redim(kept);
-    return *this;
+    if (!closed && reference != n - 1) kept.add(p[n - 1]);
+    return *this = kept.take();
 }
 
 curve& curve::reduce_points_to_number(unsigned int n, bool closed) {
