@@ -58,9 +58,8 @@ private:
 /// the order, NaN) give answers without meaning, but never more than that.
 ///
 /// A span is the parameters between two neighbouring knots of that range; an empty one, between equal knots,
-/// does not count. Spans are rendered and measured as polynomials, which lose about a bit for each degree:
-/// that is for the degrees in use, and beyond order 256 a curve counts as one without spans. `evaluate` takes
-/// any order and loses nothing.
+/// does not count. Spans are rendered and measured as polynomials about their middles: at degree 40 that
+/// costs a digit against `evaluate`, and beyond order 256 a curve counts as one without spans.
 ///
 /// Source of the methods: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, chapters 2 to 5.
 class TVMATH_API nurb {
