@@ -3,17 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "support/nurb_curves.h"
-#include "support/seeded_random.h"
 #include "support/shape_points.h"
 
 inline namespace tvmath {
 namespace {
 
 double const nan = std::nan("");
+TQ3RationalPoint4D const zero = {0, 0, 0, 0};
 
 // The recursion as it is written down, with all its zeros.
 double cox_de_boor(nurb const& n, unsigned int i, unsigned int order, double t) {
@@ -24,12 +23,14 @@ double cox_de_boor(nurb const& n, unsigned int i, unsigned int order, double t) 
            (down > 0 ? (n.get_knot(i + order) - t) / down * cox_de_boor(n, i + 1, order - 1, t) : 0);
 }
 
+void add(TQ3RationalPoint4D& sum, double factor, TQ3RationalPoint4D const& p) {
+    sum = {sum.x + factor * p.x, sum.y + factor * p.y, sum.z + factor * p.z, sum.w + factor * p.w};
+}
+
 TQ3RationalPoint4D full_sum(nurb const& n, double t) {
-    TQ3RationalPoint4D sum = {0, 0, 0, 0};
+    TQ3RationalPoint4D sum = zero;
     for (unsigned int i = 0; i < n.control_points(); ++i) {
-        TQ3RationalPoint4D const& p = n.get_control_point(i);
-        double const b = cox_de_boor(n, i, n.order(), t);
-        sum = {sum.x + b * p.x, sum.y + b * p.y, sum.z + b * p.z, sum.w + b * p.w};
+        add(sum, cox_de_boor(n, i, n.order(), t), n.get_control_point(i));
     }
     return sum;
 }
@@ -45,10 +46,10 @@ TQ3RationalPoint4D const* block(nurb const& n) {
 }
 
 // Both curves are the same over the parameters from a to b.
-void expect_same(nurb const& actual, nurb const& expected, double a, double b, double tolerance) {
+void expect_same(nurb const& actual, nurb const& expected, double a, double b) {
     for (int i = 0; i <= 20; ++i) {
         double const t = i == 20 ? b : a + (b - a) * i / 20;
-        EXPECT_LT(difference(actual.evaluate(t), expected.evaluate(t)), tolerance) << "at " << t;
+        EXPECT_LT(difference(actual.evaluate(t), expected.evaluate(t)), 1e-12) << "at " << t;
     }
 }
 
@@ -89,16 +90,16 @@ TEST(Nurb, GivesPublishedPointsAndLengths) {
 
 TEST(Nurb, EvaluatesAndExpandsAsTheRecursion) {
     seeded_random random(1);
-    for (int trial = 0; trial < 200; ++trial) {
+    for (int trial = 0; trial < 100; ++trial) {
         SCOPED_TRACE(trial);
         nurb const n = random_nurb(random);
-        for (unsigned int i = 0; i < n.knots(); ++i) {  // knots: also before and after the parameter range
-            double const t = n.get_knot(i), u = random.uniform(n.get_knot(0), n.get_knot(n.knots() - 1));
-            EXPECT_LT(difference(n.evaluate(t), full_sum(n, t)), 1e-13);
-            EXPECT_LT(difference(n.evaluate(u), full_sum(n, u)), 1e-13);
+        double const first = n.get_knot(0), last = n.get_knot(n.knots() - 1);
+        for (unsigned int i = 0; i < n.knots(); ++i) {  // also before and after the parameter range
+            for (double const t : {n.get_knot(i), random.uniform(first, last)}) {
+                EXPECT_LT(difference(n.evaluate(t), full_sum(n, t)), 1e-13);
+            }
         }
-        EXPECT_EQ(difference(n.evaluate(n.get_knot(0) - 1e-9), {0, 0, 0, 0}), 0);
-        EXPECT_EQ(difference(n.evaluate(n.get_knot(n.knots() - 1) + 1e-9), {0, 0, 0, 0}), 0);
+        for (double const t : {first - 1e-9, last + 1e-9}) EXPECT_EQ(difference(n.evaluate(t), zero), 0);
 
         unsigned int const order = n.order();
         std::vector<double> table(order * order);
@@ -108,19 +109,15 @@ TEST(Nurb, EvaluatesAndExpandsAsTheRecursion) {
             double const about = low + width * random.unit(), u = low + width * random.unit();
             n.calc_poly(span, table.data(), about);
             n.calc_poly(span, poly.data(), about);
-            TQ3RationalPoint4D sum = {0, 0, 0, 0};
+            TQ3RationalPoint4D sum = zero;
             for (unsigned int r = 0; r < order; ++r) {
                 double value = 0;
                 for (unsigned int c = order; c-- > 0;) value = value * (u - about) + table[r * order + c];
                 double const expected = width > 0 ? cox_de_boor(n, span - n.degree() + r, order, u) : 0;
                 EXPECT_NEAR(value, expected, 1e-12);
-                double const power = std::pow(u - about, r);
-                sum = {sum.x + power * poly[r].x, sum.y + power * poly[r].y, sum.z + power * poly[r].z,
-                       sum.w + power * poly[r].w};
+                add(sum, std::pow(u - about, r), poly[r]);
             }
-            if (width > 0) {
-                EXPECT_LT(difference(sum, full_sum(n, u)), 1e-11);
-            }
+            EXPECT_LT(difference(sum, width > 0 ? full_sum(n, u) : zero), 1e-11);
         }
     }
 }
@@ -130,26 +127,18 @@ TEST(Nurb, KeepsItsPointsWhenKnotsAreInserted) {
     for (int trial = 0; trial < 200; ++trial) {
         SCOPED_TRACE(trial);
         nurb const n = random_nurb(random);
-        double const a = first_parameter(n), b = last_parameter(n);
-        // Unordered, beyond the range, no numbers, and each more often than a knot may occur.
-        std::vector<double> values = {b, nan, a - 1e-9, b + 1e-9};
-        double const u = random_parameter(random, n), v = random_parameter(random, n);
-        for (unsigned int i = 0; i < n.order() + 3; ++i) values.insert(values.end(), {v, u, a});
+        double const a = first_parameter(n), b = last_parameter(n), t = random_parameter(random, n);
+        // In no order, beyond the range, no numbers, and two of them more often than a knot may occur.
+        std::vector<double> values = {nan, a - 1e-9, b + 1e-9, b};
+        for (unsigned int i = 0; i < n.order() + 3; ++i) values.insert(values.end(), {t, a});
         nurb refined = n;
         refined.insert_knots(values.data(), static_cast<unsigned int>(values.size()));
-        std::vector<double> counts(4);
-        for (unsigned int i = 0; i < refined.knots(); ++i) {
-            double const k = refined.get_knot(i);
-            counts[k == a ? 0 : k == u ? 1 : k == v ? 2 : 3] += 1;
-            EXPECT_TRUE(i == 0 || refined.get_knot(i - 1) <= k);
-        }
-        EXPECT_EQ(counts[0] + counts[1] + counts[2], 3 * n.order());
-        unsigned int const at_a = n.degree() > 0 && n.get_knot(0) == a ? n.order() : 1;
-        unsigned int const at_b = n.get_knot(n.knots() - 1) == b ? 0 : 1;
-        EXPECT_EQ(counts[3], n.knots() - at_a + at_b);
-        EXPECT_EQ(first_parameter(refined), a);
-        EXPECT_EQ(last_parameter(refined), b);
-        expect_same(refined, n, a, b, 1e-12);
+        bool const clamped = n.get_knot(0) == a;  // then a and b are there as often as they may be
+        EXPECT_EQ(refined.knots(), n.knots() + n.order() + (clamped ? 0 : n.degree() + 1));
+        for (unsigned int i = 1; i < refined.knots(); ++i)
+            EXPECT_LE(refined.get_knot(i - 1), refined.get_knot(i));
+        EXPECT_TRUE(first_parameter(refined) == a && last_parameter(refined) == b);
+        expect_same(refined, n, a, b);
     }
 }
 
@@ -159,62 +148,36 @@ TEST(Nurb, KeepsThePartThatIsClippedAndNothingElse) {
         SCOPED_TRACE(trial);
         nurb const n = random_nurb(random);
         double const first = first_parameter(n), last = last_parameter(n);
-        // Every fourth end is a knot, some lie outside.
-        auto const end = [&] {
-            return random.below(4) == 0 ? n.get_knot(random.below(n.knots()))
-                                        : random.uniform(first - 1, last + 1);
-        };
-        double a = end(), b = end();
-        if (a > b) std::swap(a, b);
+        double ends[2];
+        for (double& end : ends) {
+            end = random.below(4) == 0 ? n.get_knot(random.below(n.knots()))
+                                       : random.uniform(first - 1, last + 1);
+        }
         nurb part = n;
-        part.clip_evaluation_range(a, b);
-        if (a >= last || b <= first || a == b) {
+        part.clip_evaluation_range(ends[0], ends[1]);
+        if (ends[0] >= ends[1] || ends[0] >= last || ends[1] <= first) {
             EXPECT_EQ(block(part), block(n));
             continue;
         }
-        a = std::max(a, first);
-        b = std::min(b, last);
+        double const a = std::max(ends[0], first), b = std::min(ends[1], last);
         for (unsigned int i = 0; i < n.order(); ++i) {
-            EXPECT_EQ(part.get_knot(i), a);
-            EXPECT_EQ(part.get_knot(part.knots() - 1 - i), b);
+            EXPECT_TRUE(part.get_knot(i) == a && part.get_knot(part.knots() - 1 - i) == b);
         }
-        expect_same(part, n, a, b, 1e-12);
-        EXPECT_LT(distance3d(part.get_control_point(0), n.evaluate(a)), 1e-12);
+        expect_same(part, n, a, b);
         EXPECT_EQ(part.evaluate(a - 1e-9).w, 0);
     }
-    nurb const n = circle_nurb(at(0, 0, 0), 1);
-    struct {
-        double a, b;
-    } const nothing[] = {{2, 1}, {1, 1}, {4, 5}, {-1, 0}, {nan, 1}, {1, nan}};
-    for (auto const& c : nothing) {
-        nurb same = n;
-        same.clip_evaluation_range(c.a, c.b);
-        EXPECT_EQ(block(same), block(n));
-    }
+    nurb n = circle_nurb(at(0, 0, 0), 1);
+    n.clip_evaluation_range(nan, 1);
+    n.clip_evaluation_range(1, nan);
+    EXPECT_EQ(n.control_points(), 9u);
 }
 
-TEST(Nurb, RunsTheSamePathBackwards) {
-    seeded_random random(4);
-    for (int trial = 0; trial < 100; ++trial) {
-        SCOPED_TRACE(trial);
-        nurb const n = random_nurb(random);
-        nurb back = n;
-        back.reverse();
-        double const last = n.get_knot(n.knots() - 1);
-        EXPECT_NEAR(first_parameter(back), last - last_parameter(n), 1e-14);
-        for (int i = 0; i < 10; ++i) {
-            double const t = random_parameter(random, n);
-            EXPECT_LT(difference(back.evaluate(last - t), n.evaluate(t)), 1e-12);
-        }
-    }
-}
-
-TEST(Nurb, MovesWithItsTransform) {
+TEST(Nurb, RunsBackwardsAndMovesWithItsTransform) {
     seeded_random random(5);
     transform const maps[] = {transform(), transform(2, 3).rotate(0.3),
                               transform::rotation(0.1, 0.2, 0.3).translate(1, 2, 3).dilate(1.1, 0.9, 1.2)};
     point const shifts[] = {point(), at(1, 2), point(false, 1, 2, 3)};
-    for (int trial = 0; trial < 60; ++trial) {
+    for (int trial = 0; trial < 90; ++trial) {
         nurb const n = random_nurb(random);
         transform const& map = maps[trial % 3];
         point const& shift = shifts[trial % 3];
@@ -224,6 +187,11 @@ TEST(Nurb, MovesWithItsTransform) {
         EXPECT_LT(distance3d((n * map / map).evaluate(t), p), 1e-12);
         EXPECT_LT(distance3d((n + shift).evaluate(t), p + shift), 1e-12);
         EXPECT_LT(distance3d((n + shift - shift).evaluate(t), p), 1e-12);
+        nurb back = n;
+        back.reverse();
+        double const last = n.get_knot(n.knots() - 1);
+        EXPECT_NEAR(first_parameter(back), last - last_parameter(n), 1e-14);
+        EXPECT_LT(difference(back.evaluate(last - t), n.evaluate(t)), 1e-12);
     }
 }
 
@@ -242,53 +210,46 @@ TEST(Nurb, SharesItsBlockUntilItIsWritten) {
         [](nurb& c) { c.reverse(); },
         [](nurb& c) { c += at(1, 0); },
         [](nurb& c) { c *= transform(1, 2); },
+        [](nurb& c) { c = nurb(static_cast<TQ3NURBCurveData const&>(c)); },
         [](nurb& c) { c.redim(4, 10); },
     };
     for (auto const write : writers) {
         copy = n;
         write(copy);
         EXPECT_NE(block(copy), block(n));
-        EXPECT_EQ(n.evaluate(0).x, 5);
-        EXPECT_EQ(n.get_knot(0) + n.get_knot(1), 0);
+        EXPECT_TRUE(n.evaluate(0).x == 5 && n.get_knot(0) == 0 && n.get_knot(1) == 0);
     }
-    EXPECT_EQ(copy.get_knot(8), 2.0 + 1);  // the old knots by index, then zeros
+    EXPECT_EQ(copy.get_knot(8), 3);  // the old knots by index, then zeros
     EXPECT_EQ(copy.get_knot(13) + copy.get_control_point(9).w, 0);
-    nurb const again(static_cast<TQ3NURBCurveData const&>(n));
-    EXPECT_NE(block(again), block(n));
-    expect_same(again, n, 0, 4, 1e-300);
     EXPECT_THROW(nurb(0xFFFFFFFFu, 0xFFFFFFFFu), pointer_exception);
     EXPECT_THROW(nurb(1, 0xFFFFFFFFu), pointer_exception);
 }
 
-TEST(Nurb, ComesFromABezierPath) {
+TEST(Nurb, ComesFromABezierPathOrAListOfPoints) {
     seeded_random random(6);
     for (unsigned int degree = 1; degree <= 5; ++degree) {
         curve path(3 * degree + 1);
         for (unsigned int i = 0; i < path.capacity(); ++i) path(i) = at(random.normal(), random.normal(), 1);
         nurb const n = bezier_to_nurb(path, degree);
         ASSERT_EQ(n.knots(), 4 * degree + 2);
-        for (int i = 0; i < 30; ++i) {
-            auto const segment = static_cast<unsigned int>(i / 10);
+        for (unsigned int i = 0; i < 30; ++i) {
             double const t = i % 10 / 10.0;
-            std::vector<point> p(path.begin() + segment * degree, path.begin() + (segment + 1) * degree + 1);
+            std::vector<point> p(path.begin() + i / 10 * degree, path.begin() + (i / 10 + 1) * degree + 1);
             for (; p.size() > 1; p.pop_back()) {  // de Casteljau
                 for (std::size_t j = 0; j + 1 < p.size(); ++j) p[j] = p[j] * (1 - t) + p[j + 1] * t;
             }
-            EXPECT_LT(distance3d(n.evaluate(segment + t), p[0]), 1e-14 * 10);
+            EXPECT_LT(distance3d(n.evaluate(i / 10 + t), p[0]), 1e-13);
         }
     }
     EXPECT_TRUE(bezier_to_nurb(curve(5, at(1, 2)), 3).is_trivial());
     EXPECT_TRUE(bezier_to_nurb(curve(3, at(1, 2)), 3).is_trivial());
     EXPECT_TRUE(bezier_to_nurb(curve(3, at(1, 2)), 0).is_trivial());
     EXPECT_TRUE(bezier_to_nurb(curve(), 0xFFFFFFFFu).is_trivial());
-    EXPECT_EQ(bezier_to_nurb(curve(5, at(1, 2)), 1).knots(), 7u);
-
     // At a knot, a cubic with knots at equal steps is (p0 + 4 p1 + p2) / 6.
-    curve const line(at(0, 0), at(6, 0), at(6, 12));
-    curve four = line;
-    four.append(curve(at(9, 9)));
-    EXPECT_LT(distance3d(uniform_bspline_to_nurb(four, 3).evaluate(3), at(5, 2)), 1e-14);
-    EXPECT_TRUE(uniform_bspline_to_nurb(line, 3).is_trivial());
+    curve list(at(0, 0), at(6, 0), at(6, 12));
+    EXPECT_TRUE(uniform_bspline_to_nurb(list, 3).is_trivial());
+    list.append(curve(at(9, 9)));
+    EXPECT_LT(distance3d(uniform_bspline_to_nurb(list, 3).evaluate(3), at(5, 2)), 1e-14);
 }
 
 }  // namespace

@@ -69,8 +69,5 @@ inline double last_parameter(nurb const& n) {
 inline double random_parameter(seeded_random& random, nurb const& n) {
     return random.uniform(first_parameter(n), last_parameter(n));
 }
-inline point point_at(nurb const& n, double t) {
-    return n.evaluate(t);
-}
 
 }  // namespace tvmath
