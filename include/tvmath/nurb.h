@@ -58,9 +58,8 @@ private:
 /// the order, NaN) give answers without meaning, but never more than that.
 ///
 /// A span is the parameters between two neighbouring knots of that range; an empty one, between equal knots,
-/// does not count. Spans are rendered and measured as polynomials, which lose about a bit for each degree:
-/// that is for the degrees in use, and beyond order 256 a curve counts as one without spans. `evaluate` takes
-/// any order and loses nothing.
+/// does not count. Spans are rendered and measured as polynomials about their middles: at degree 40 that
+/// costs a digit against `evaluate`, and beyond order 256 a curve counts as one without spans.
 ///
 /// Source of the methods: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, chapters 2 to 5.
 class TVMATH_API nurb {
@@ -103,9 +102,9 @@ public:
 
     /// The same path from its end to its start; each knot k becomes last knot - k.
     void reverse();
-    /// Inserts `n` knots, in any order, without changing the curve; the cost grows with the sum of old and
-    /// new knots. Values outside the parameter range, NaN, and those that would occur more than `order` times
-    /// are left out.
+    /// Inserts `n` knots, in any order, without changing the curve; the cost grows nearly with the sum of old
+    /// and new knots. Values outside the parameter range, NaN, and those that would occur more than `order`
+    /// times are left out.
     ///
     /// Source: W. Boehm, Inserting new knots into B-spline curves, Computer-Aided Design 12 (1980) 199-201.
     void insert_knots(double const* values, unsigned int n);
@@ -139,7 +138,7 @@ public:
     /// A curve of degree 1 to 3 with equal weights is such a path itself. Any other is followed by Hermite
     /// pieces, which have its points and derivatives at their ends, halved until they lie, at the seven
     /// samples between their ends, within 0.5e-6 of the largest extent of the control points; that keeps them
-    /// within 1e-6 between the samples. 1024 pieces for a span at most.
+    /// within 1e-6 between the samples, unless the most pieces for a span, 1024, do not suffice.
     curve render_bezier() const;
     /// Polyline that stays within `tolerance` of the curve: `n` pieces for each span at equal steps of the
     /// parameter, halved until the curve at a quarter, half and three quarters of a piece is within 0.9 of

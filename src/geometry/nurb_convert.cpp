@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstddef>
 
 #include "tvmath/nurb.h"
 
@@ -25,8 +26,11 @@ nurb bezier_to_nurb(curve const& c, unsigned int degree) {
     TQ3NURBCurveData& d = n;
     // Knots 1 to size - 1 are the joints, `degree` times each; the first and the last stand alone.
     double* const knots = d.knot_values;
-    for (unsigned int i = 0; i < size; ++i) knots[i + 1] = i / degree;
-    std::fill_n(knots + size, degree + 1, (size - 1) / degree);
+    unsigned int const segments = (size - 1) / degree;
+    for (unsigned int joint = 0; joint < segments; ++joint) {
+        std::fill_n(knots + 1 + std::size_t{joint} * degree, degree, joint);
+    }
+    std::fill_n(knots + size, degree + 1, segments);
     return n;
 }
 

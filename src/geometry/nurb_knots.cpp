@@ -64,7 +64,7 @@ public:
         p[end + 1] = p[end];
         for (std::size_t i = end; i > end - degree; --i) {
             double const low = to_.knot_values[i], width = knot_ahead(i + degree, end) - low;
-            p[i] = blend(p[i - 1], p[i], low < t && width > 0 ? (t - low) / width : 0);
+            p[i] = blend(p[i - 1], p[i], width > 0 ? (t - low) / width : 0);
         }
         to_.knot_values[end + 1] = t;
         ++inserted_;

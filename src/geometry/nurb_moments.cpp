@@ -50,7 +50,6 @@ elements green_line(xyz const& a, xyz const& b) {
 
 // Romberg's method for all elements at once. Each has to settle within 1e-6 as a single integral does: the
 // length of its own value, the others, whose integrals may be 0, of the largest element met times the width.
-// Five samples at least, since an element of an S-shaped span can be 0 at its ends and its middle.
 elements integrate_span(span_curve& span) {
     double peak[4] = {};
     auto const f = [&](double s) {
@@ -59,13 +58,12 @@ elements integrate_span(span_curve& span) {
         for (int i = 1; i < 4; ++i) peak[i] = std::max(peak[i], std::fabs(value.e[i]));
         return value;
     };
-    int row = 0;
     auto const settled = [&](elements const& now, elements const& before) {
         peak[0] = std::fabs(now.e[0]);
         for (int i = 0; i < 4; ++i) {
             if (!(std::fabs(now.e[i] - before.e[i]) <= 1e-6 * peak[i])) return false;
         }
-        return ++row >= 2;
+        return true;
     };
     return romberg(f, 0, 1, settled) * span.width();
 }

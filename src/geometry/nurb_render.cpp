@@ -69,7 +69,7 @@ nurb with_bezier_pieces(nurb n) {
         double const* const k = d.knot_values;
         unsigned int found = 0;
         while (found < n.degree() && k[span - found] == k[span]) ++found;
-        if (span > n.degree()) missing.insert(missing.end(), n.degree() - found, k[span]);
+        missing.insert(missing.end(), n.degree() - found, k[span]);
     });
     n.insert_knots(missing.data(), static_cast<unsigned int>(missing.size()));
     return n;
