@@ -1,0 +1,402 @@
+#include "tvmath/polynomial.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <complex>
+#include <cstdio>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "support/seeded_random.h"
+
+inline namespace tvmath {
+namespace {
+
+using number = std::complex<double>;
+using numbers = std::vector<number>;
+
+// Coefficients of the product of x - root, correct to the last bit or nearly: products in long double.
+numbers polynomial_of(numbers const& roots) {
+    std::vector<std::complex<long double>> c = {1};
+    for (number const& root : roots) {
+        c.insert(c.begin(), 0);
+        for (std::size_t i = 0; i + 1 < c.size(); ++i) c[i] -= std::complex<long double>(root) * c[i + 1];
+    }
+    numbers result;
+    for (auto const& z : c) result.emplace_back(static_cast<double>(z.real()), static_cast<double>(z.imag()));
+    return result;
+}
+
+// Solvers with one form.
+
+numbers listed(vector const& roots) {
+    return {roots.begin(), roots.end()};
+}
+
+numbers listed(idioms::array<complex> const& roots) {
+    numbers result;
+    for (complex const& z : roots) result.emplace_back(z.re, z.im);
+    return result;
+}
+
+complex own(number const& z) {
+    return complex(z.real(), z.imag());
+}
+
+numbers real_solver(numbers const& c) {
+    auto const at = [&](std::size_t i) { return c[i].real(); };
+    if (c.size() == 3) return listed(quadratic(at(0), at(1), at(2)));
+    if (c.size() == 4) return listed(cubic(at(0), at(1), at(2), at(3)));
+    return listed(quartic(at(0), at(1), at(2), at(3), at(4)));
+}
+
+numbers complex_solver(numbers const& c) {
+    if (c.size() == 3) return listed(quadratic(own(c[0]), own(c[1]), own(c[2])));
+    if (c.size() == 4) return listed(cubic(own(c[0]), own(c[1]), own(c[2]), own(c[3])));
+    return listed(quartic(own(c[0]), own(c[1]), own(c[2]), own(c[3]), own(c[4])));
+}
+
+numbers real_newton(numbers const& c) {
+    vector v(static_cast<unsigned int>(c.size()));
+    for (unsigned int i = 0; i < dim(v); ++i) v(i) = c[i].real();
+    return listed(solve_nr(v));
+}
+
+numbers complex_newton(numbers const& c) {
+    idioms::array<complex> v(static_cast<unsigned int>(c.size()));
+    for (unsigned int i = 0; i < v.capacity(); ++i) v(i) = own(c[i]);
+    return listed(solve_nr(v));
+}
+
+// Families of known roots, `n` of them.
+
+struct family {
+    double size = 1;
+    int multiplicity = 1;  // of the first root
+    int pairs = 0;         // the last 2 * pairs roots are conjugate; -1: all are complex, none conjugate
+    double cluster = 0;    // distance, relative to the size, of roots that lie close to each other
+    double spread = 1;     // sizes from size / spread to size * spread
+};
+
+numbers roots_of(family const& f, int n, seeded_random& random) {
+    numbers roots;
+    double const middle = f.size * random.uniform(-1, 1);
+    for (int i = 0; i < n; ++i) {
+        double const magnitude = f.spread > 1 ? f.size * random.log_uniform(1 / f.spread, f.spread) : f.size;
+        double x =
+            f.spread > 1 ? (random.coin() ? magnitude : -magnitude) : magnitude * random.uniform(-1, 1);
+        if (f.cluster > 0) x = middle + f.cluster * x;
+        double const y = f.pairs < 0 ? f.size * random.uniform(-1, 1) : f.size * random.uniform(0.01, 1);
+        if (i > 0 && i < f.multiplicity) {
+            roots.push_back(roots[0]);
+        } else if (f.pairs > 0 && i >= n - 2 * f.pairs) {
+            roots.insert(roots.end(), {number(x, y), number(x, -y)});
+            ++i;
+        } else {
+            roots.emplace_back(x, f.pairs < 0 ? y : 0);
+        }
+    }
+    return roots;
+}
+
+struct figures {
+    double worst = 0;   // error of a root found, relative to the largest root
+    double missed = 0;  // share of the roots with no result within `reach`
+    double wrong = 0;   // share of the results with no root within `reach`
+};
+
+double distance_to(numbers const& list, number const& z) {
+    double nearest = infinity;
+    for (number const& other : list) nearest = std::min(nearest, std::abs(z - other));
+    return nearest;
+}
+
+figures measure(numbers (*solve)(numbers const&), bool real, family const& f, int n, double reach) {
+    constexpr int trials = 10000;
+    seeded_random random(20250501);
+    figures result;
+    int roots_in_all = 0, found_in_all = 0;
+    for (int trial = 0; trial < trials; ++trial) {
+        numbers expected = roots_of(f, n, random);
+        numbers const found = solve(polynomial_of(expected));
+        double scale = 0;
+        for (number const& z : expected) scale = std::max(scale, std::abs(z));
+        if (real) std::erase_if(expected, [](number const& z) { return z.imag() != 0; });
+        for (number const& z : expected) {
+            double const error = distance_to(found, z) / scale;
+            if (error < reach) result.worst = std::max(result.worst, error);
+            if (!(error < reach)) ++result.missed;
+        }
+        for (number const& z : found) result.wrong += !(distance_to(expected, z) < reach * scale);
+        roots_in_all += static_cast<int>(expected.size());
+        found_in_all += static_cast<int>(found.size());
+    }
+    result.missed /= std::max(roots_in_all, 1);
+    result.wrong /= std::max(found_in_all, 1);
+    return result;
+}
+
+// Bounds 1.2 to 2 times what was measured, so that a loss of digits or of roots shows; the output is the
+// table of the figures. The worst errors are the conditioning of the worst case among 10000: two random roots
+// that happen to lie close to each other.
+TEST(Polynomial, RootsOfKnownPolynomialsAreFound) {
+    constexpr auto quad = 2, cube = 3, quart = 4;
+    struct {
+        char const* name;
+        numbers (*solve)(numbers const&);
+        bool real;
+        int degree;
+        family roots;
+        double reach;
+        figures allowed;
+    } const cases[] = {
+        {"quadratic", real_solver, true, quad, {}, 1e-6, {2e-12}},
+        {"quadratic, double", real_solver, true, quad, {.multiplicity = 2}, 1e-6, {2e-8}},
+        {"quadratic, sizes 1e-4 to 1e4", real_solver, true, quad, {.spread = 1e4}, 1e-6, {9e-14}},
+        {"cubic", real_solver, true, cube, {}, 1e-6, {5e-11}},
+        {"cubic, size 1e6", real_solver, true, cube, {.size = 1e6}, 1e-6, {2e-11}},
+        {"cubic, one real", real_solver, true, cube, {.pairs = 1}, 1e-6, {3e-9}},
+        // The exact test of a discriminant that is all rounding misses the pair, or splits it by half the
+        // digits.
+        {"cubic, double", real_solver, true, cube, {.multiplicity = 2}, 1e-4, {2e-6, 4e-1}},
+        {"cubic, triple", real_solver, true, cube, {.multiplicity = 3}, 1e-4, {2e-5}},
+        {"cubic, cluster", real_solver, true, cube, {.cluster = 1e-2}, 1e-4, {2e-7}},
+        {"quartic", real_solver, true, quart, {}, 1e-6, {5e-8}},
+        {"quartic, size 1e-3", real_solver, true, quart, {.size = 1e-3}, 1e-6, {3e-8}},
+        {"quartic, size 1e3", real_solver, true, quart, {.size = 1e3}, 1e-6, {2e-8}},
+        {"quartic, size 1e9", real_solver, true, quart, {.size = 1e9}, 1e-6, {3e-8}},
+        {"quartic, two real", real_solver, true, quart, {.pairs = 1}, 1e-6, {3e-11}},
+        {"quartic, none real", real_solver, true, quart, {.pairs = 2}, 1e-6, {1e-15}},
+        {"quartic, double", real_solver, true, quart, {.multiplicity = 2}, 1e-4, {2e-5}},
+        {"quartic, double, size 1e3",
+         real_solver,
+         true,
+         quart,
+         {.size = 1e3, .multiplicity = 2},
+         1e-4,
+         {2e-5}},
+        {"quartic, double and pair",
+         real_solver,
+         true,
+         quart,
+         {.multiplicity = 2, .pairs = 1},
+         1e-4,
+         {8e-13}},
+        // Roots nearer than the noise, its cube root or fourth root, count as one.
+        {"quartic, triple", real_solver, true, quart, {.multiplicity = 3}, 1e-4, {1e-4, 2e-4}},
+        {"quartic, quadruple", real_solver, true, quart, {.multiplicity = 4}, 1e-4, {1e-15}},
+        {"quartic, cluster", real_solver, true, quart, {.cluster = 1e-2}, 1e-4, {2e-4, 5e-4, 9e-5}},
+        {"quartic, sizes 1e-4 to 1e4", real_solver, true, quart, {.spread = 1e4}, 1e-6, {9e-13}},
+        {"complex quadratic", complex_solver, false, quad, {.pairs = -1}, 1e-6, {2e-14}},
+        {"complex cubic", complex_solver, false, cube, {.pairs = -1}, 1e-6, {6e-14}},
+        {"complex cubic, double",
+         complex_solver,
+         false,
+         cube,
+         {.multiplicity = 2, .pairs = -1},
+         1e-4,
+         {3e-7}},
+        {"complex quartic", complex_solver, false, quart, {.pairs = -1}, 1e-6, {2e-13}},
+        {"complex quartic, size 1e3",
+         complex_solver,
+         false,
+         quart,
+         {.size = 1e3, .pairs = -1},
+         1e-6,
+         {5e-13}},
+        {"complex quartic, double",
+         complex_solver,
+         false,
+         quart,
+         {.multiplicity = 2, .pairs = -1},
+         1e-4,
+         {3e-7}},
+        {"complex quartic, triple",
+         complex_solver,
+         false,
+         quart,
+         {.multiplicity = 3, .pairs = -1},
+         1e-3,
+         {6e-5}},
+        {"complex quartic, quadruple",
+         complex_solver,
+         false,
+         quart,
+         {.multiplicity = 4, .pairs = -1},
+         1e-2,
+         {3e-4}},
+        // A real root of a close pair is missed when its imaginary part is not below 1e-10 of it, and a
+        // double one when the steps do not fall to 1e-11 of it.
+        {"newton, real, degree 4", real_newton, true, quart, {}, 1e-6, {5e-9, 6e-4}},
+        {"newton, real, double", real_newton, true, quart, {.multiplicity = 2}, 1e-4, {1e-4, 4e-1}},
+        {"newton, real, degree 8", real_newton, true, 8, {}, 1e-4, {8e-7, 2e-2}},
+        {"newton, sizes 1e-4 to 1e4", real_newton, true, quart, {.spread = 1e4}, 1e-6, {5e-12}},
+        {"newton, complex, degree 4", complex_newton, false, quart, {.pairs = -1}, 1e-6, {3e-13}},
+        {"newton, complex, double",
+         complex_newton,
+         false,
+         quart,
+         {.multiplicity = 2, .pairs = -1},
+         1e-4,
+         {3e-7, 2e-1}},
+    };
+    for (auto const& c : cases) {
+        figures const f = measure(c.solve, c.real, c.roots, c.degree, c.reach);
+        std::printf("%-30s worst error %8.1e  missed %8.1e  wrong %8.1e\n", c.name, f.worst, f.missed,
+                    f.wrong);
+        EXPECT_LE(f.worst, c.allowed.worst) << c.name;
+        EXPECT_LE(f.missed, c.allowed.missed) << c.name;
+        EXPECT_LE(f.wrong, c.allowed.wrong) << c.name;
+    }
+}
+
+// N. Flocke, Algorithm 954, ACM Trans. Math. Softw. 41 (2015), test polynomials; the roots were computed to
+// 120 digits from the coefficients as doubles. `tolerance`, relative, is the conditioning of the root.
+TEST(Polynomial, QuarticSolvesPublishedHardCases) {
+    struct {
+        std::vector<double> highest_first, roots;
+        double tolerance;
+    } const cases[] = {
+        {{1, -1001001001, 1001002001001000, -1.001001001e18, 1e18}, {1, 1e3, 1e6, 1e9}, 1e-12},
+        {{1, -4.006, 6.018011, -4.018022006, 1.006011006},
+         {1.0000000740249189, 1.0009997777843689, 1.0020002224111837, 1.0029999257795288},
+         1e-6},
+        {{1, -9.98899e79, -1.1008989e157, -1.010999e233, -1e307}, {-1e77, -1e76, -1e74, 1e80}, 1e-12},
+        {{1, -100000000000002, 199999999999999, 100000000000002, -200000000000000}, {-1, 1, 2, 1e14}, 1e-12},
+        {{1, 10000000, -200000000000001, -10000000, 200000000000000}, {-2e7, -1, 1, 1e7}, 1e-12},
+        {{1, -9000002, -9999981999998, 19999982000000, -20000000000000}, {-1e6, 1e7}, 1e-12},
+        {{1, 2000011, 1010022000028, 11110056000000, 28280000000000}, {-7, -4}, 1e-12},
+        {{1, -100002011, 201101022001, -102200111000011, 1100001100000000}, {11, 1e8}, 1e-12},
+        {{1, -20000002, 101000040000005, -202000100000000, 505000000000000}, {}, 0},
+        {{1, -4000, 6000010, -4000020000, 1000010000009}, {}, 0},
+        {{714285.7142857143, -100000, 13479.924671428573, -2.2737367544323206e-13, -22.526485131747265},
+         {-0.035452155671566024, 0.04660576235655869},
+         1e-13},
+        {{0.000158925, -0.00657522, 0.0801029, -0.2, 0.01},
+         {0.051038964979905524, 3.2641064713958805},
+         1e-13},
+        {{-1.2732176736702573e-09, -5.31908439792814e-08, 1.042486483190605e-05, 0, -0.011613651393481346},
+         {-109.56956121711639, -32.79238302114379},
+         1e-13},
+        // Two double roots, parted by the rounding of the coefficients alone.
+        {{2.25, 36, 113.6981992111665, -242.41440631066808, 102.02212567179457},
+         {-8.767990510543164, 0.76799051},
+         1e-8},
+    };
+    for (auto const& c : cases) {
+        auto const& h = c.highest_first;
+        vector const found = quartic(h[4], h[3], h[2], h[1], h[0]);
+        SCOPED_TRACE(h[4]);
+        ASSERT_EQ(dim(found), c.roots.size());
+        for (unsigned int i = 0; i < dim(found); ++i) {
+            EXPECT_NEAR(found[i], c.roots[i], c.tolerance * std::fabs(c.roots[i]));
+        }
+    }
+}
+
+TEST(Polynomial, QuarticIsAscendingWithoutDuplicates) {
+    struct {
+        char const* name;
+        double c[5];
+        std::vector<double> roots;
+    } const cases[] = {
+        {"two doubles", {4, -12, 13, -6, 1}, {1, 2}},       // (x - 1)² (x - 2)²
+        {"biquadratic", {4, 0, -5, 0, 1}, {-2, -1, 1, 2}},  // (x² - 1) (x² - 4)
+        {"double at 0", {0, 0, -1, 0, 1}, {-1, 0, 1}},
+        {"x^4", {0, 0, 0, 0, 3}, {0}},
+        {"triple", {-2, 7, -9, 5, -1}, {1, 2}},  // -(x - 1)³ (x - 2)
+        {"quadruple", {81, 108, 54, 12, 1}, {-3}},
+        {"none", {1, 0, 2, 0, 1}, {}},  // (x² + 1)²
+        {"a cubic", {-6, 11, -6, 1, 0}, {1, 2, 3}},
+        {"a cubic with a double root", {0, 0, -1, 1, 0}, {0, 1}},
+        {"large", {24e12, -50e9, 35e6, -10e3, 1}, {1e3, 2e3, 3e3, 4e3}},
+        {"no quartic", {std::nan(""), 1, 1, 1, 1}, {}},
+        {"infinite", {1, infinity, 1, 1, 1}, {}},
+    };
+    for (auto const& c : cases) {
+        vector const found = quartic(c.c[0], c.c[1], c.c[2], c.c[3], c.c[4]);
+        SCOPED_TRACE(c.name);
+        ASSERT_EQ(dim(found), c.roots.size());
+        for (unsigned int i = 0; i < dim(found); ++i)
+            EXPECT_NEAR(found[i], c.roots[i], 1e-12 * (1 + std::fabs(found[i])));
+    }
+}
+
+TEST(Polynomial, LowerDegreesKeepTheirOrderAndRepeatMultipleRoots) {
+    double roots[3];
+    ASSERT_EQ(quadratic(6, -5, 1, roots), 2);
+    EXPECT_TRUE(roots[0] == 2 && roots[1] == 3);
+    ASSERT_EQ(quadratic(-6, 5, -1, roots), 2);  // -sqrt of the discriminant first, divided by -2
+    EXPECT_TRUE(roots[0] == 3 && roots[1] == 2);
+    ASSERT_EQ(quadratic(1, -2, 1, roots), 2);
+    EXPECT_TRUE(roots[0] == 1 && roots[1] == 1);
+    EXPECT_EQ(quadratic(1, 0, 1, roots), 0);
+    ASSERT_EQ(cubic(-3, 2, 0, 0, roots), 1);
+    EXPECT_EQ(roots[0], 1.5);
+    EXPECT_EQ(quadratic(1, 0, 0)[0], -infinity);
+    ASSERT_EQ(cubic(8, 12, 6, 1, roots), 3);  // (x + 2)³
+    EXPECT_TRUE(roots[0] == -2 && roots[1] == -2 && roots[2] == -2);
+    ASSERT_EQ(cubic(-6, 11, -6, 1, roots), 3);  // by t = 0, 2 pi/3, 4 pi/3
+    double const expected[] = {3, 1, 2};
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(roots[i], expected[i], 1e-14);
+    ASSERT_EQ(cubic(2, -3, 0, 1, roots), 3);  // (x - 1)² (x + 2), a discriminant of exactly 0
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(roots[i], i == 0 ? -2 : 1, 1e-14);
+}
+
+TEST(Polynomial, ComplexFormsFallToLowerDegrees) {
+    complex const i(0, 1), tiny(1e-61, -1e-61);
+    EXPECT_EQ(linear(complex(2), complex(0, 2))[0], i);
+    EXPECT_TRUE(linear(complex(1), complex(0)).is_trivial());
+    EXPECT_EQ(quadratic(complex(2), complex(0, 2), tiny).capacity(), 1u);
+    EXPECT_EQ(cubic(complex(2), complex(0, 2), tiny, tiny)[0], i);
+    EXPECT_EQ(quartic(complex(1), complex(0), complex(1), tiny, tiny).capacity(), 2u);
+    idioms::array<complex> const pair = quadratic(complex(1), complex(0), complex(1));  // minus first
+    EXPECT_TRUE(pair[0] == -i && pair[1] == i);
+    for (complex const& z : cubic(-i, complex(-3), 3 * i, complex(1)))
+        EXPECT_LT(abs(z + i), 1e-15);  // (x + i)³
+    for (complex const& z : quartic(complex(16), complex(-32), complex(24), complex(-8), complex(1))) {
+        EXPECT_EQ(z, complex(2));  // (x - 2)⁴
+    }
+    // A p that is small beside q: one of the cube roots of the formula is a difference.
+    for (complex const& z : cubic(complex(2), complex(1e-4), complex(0), complex(1))) {
+        EXPECT_LT(abs(z * z * z + 1e-4 * z + 2), 1e-14);
+    }
+}
+
+TEST(Polynomial, NewtonGivesWhatItFinds) {
+    double const cubic_of_1_2_3[] = {-6, 11, -6, 1, 0, 0}, unit[] = {1, 0, 1}, flat_at_i[] = {0, 3, 0, 1},
+                 constant[] = {5};
+    vector found = solve_nr(vector(6, cubic_of_1_2_3));
+    ASSERT_EQ(dim(found), 3u);
+    EXPECT_NEAR(found[0] + found[1] + found[2], 6, 1e-13);
+    EXPECT_TRUE(solve_nr(vector(3, unit)).is_trivial());
+    EXPECT_TRUE(solve_nr(vector(4, flat_at_i)).is_trivial());  // x³ + 3x: the derivative is 0 at the start
+    EXPECT_TRUE(solve_nr(vector(1, constant)).is_trivial() && solve_nr(vector()).is_trivial());
+    EXPECT_TRUE(solve_nr(vector(3, std::nan(""))).is_trivial());
+}
+
+// c(x) = (x - r) quotient(x) + remainder, and the remainder is c(r).
+TEST(Polynomial, FactorAndDerivativeFollowTheirDefinitions) {
+    double const coefficients[] = {7, -3, 0, 2};
+    vector c(4, coefficients);
+    EXPECT_EQ(poly(3, c), 52);
+    EXPECT_EQ(factor(c, 3), 52);
+    double const quotient[] = {15, 6, 2};
+    EXPECT_TRUE(c == vector(3, quotient));
+    vector none;
+    EXPECT_TRUE(factor(none, 2) == 0 && poly(2, none) == 0);
+
+    complex const i(0, 1), z[] = {1, i, 2};  // 1 + i x + 2 x²
+    idioms::array<complex> d(3, z);
+    EXPECT_EQ(poly(i, d), complex(-2));
+    EXPECT_TRUE(derivative(d)[0] == i && derivative(d)[1] == complex(4) && derivative(d).capacity() == 2);
+    idioms::array<complex> const shared = d;
+    EXPECT_EQ(factor(d, i), complex(-2));
+    EXPECT_TRUE(d[0] == complex(0, 3) && d[1] == complex(2) && shared[0] == complex(1));
+    EXPECT_TRUE(derivative(idioms::array<complex>(1)).is_trivial());
+}
+
+}  // namespace
+}  // namespace tvmath
