@@ -216,13 +216,16 @@ inline complex csch(complex const& z) {
 TVMATH_API complex arcsin(complex const& z);
 /// Real part in [0, pi]; `pi / 2 - arcsin(z)`.
 TVMATH_API complex arccos(complex const& z);
-/// Real part in [-pi/2, pi/2].
+/// Real part in [-pi/2, pi/2]. On the imaginary axis above i it is pi/2, below -i it is -pi/2; infinite at
+/// both.
 TVMATH_API complex arctan(complex const& z);
-/// Imaginary part in [-pi/2, pi/2].
+/// Imaginary part in [-pi/2, pi/2]. On the imaginary axis above i the real part is positive, below -i
+/// negative.
 TVMATH_API complex arcsinh(complex const& z);
 /// Real part 0 or more. Real z inside (-1, 1): i arccos z; below -1: arccosh(-z) + i pi.
 TVMATH_API complex arccosh(complex const& z);
-/// Imaginary part in [-pi/2, pi/2]. Real z above 1 has the imaginary part pi/2, below -1 it has -pi/2.
+/// Imaginary part in [-pi/2, pi/2]. Real z above 1 has the imaginary part pi/2, below -1 it has -pi/2; 1 and
+/// -1 give infinities.
 TVMATH_API complex arctanh(complex const& z);
 
 // The direct inverse of 1 / z.

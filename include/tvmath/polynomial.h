@@ -38,7 +38,13 @@ TVMATH_API int quadratic(double c0, double c1, double c2, double* const roots);
 TVMATH_API int cubic(double c0, double c1, double c2, double c3, double* const roots);
 TVMATH_API vector quadratic(double c0, double c1, double c2);
 TVMATH_API vector cubic(double c0, double c1, double c2, double c3);
-/// 0 to 4 real roots, ascending, without duplicates.
+/// 0 to 4 real roots, ascending, without duplicates; also when c4 is 0. Empty when a coefficient over c4 is
+/// not finite.
+///
+/// A root is a number at which the quartic over c4 is below 1e-10, or below the rounding of its own
+/// evaluation, and that a Newton step does not improve. Two within 1e-10, or that rounding of the
+/// coefficients cannot tell apart, are one; a pair of complex roots that near to the real axis is a real
+/// double root.
 TVMATH_API vector quartic(double c0, double c1, double c2, double c3, double c4);
 
 // Closed forms for complex coefficients: all roots, multiple ones repeated. A leading coefficient with both

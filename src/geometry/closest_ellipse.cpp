@@ -60,9 +60,14 @@ true_ellipse::angle_at true_ellipse::nearest_angle(double x, double y) const {
         return {x / distance, y / distance};
     }
     if (x == 0) return {0, 1};
-    if (double const c = std::min(x, 1.0); ratio_ == 0) return {c, std::sqrt((1 - c) * (1 + c))};
+    // f = 0 at t = 0 as well, which inside the evolute is the farthest place nearby. Flat ellipses end here.
+    if (y == 0) {
+        double const c = std::min(x / ((1 - ratio_) * (1 + ratio_)), 1.0);
+        return {c, std::sqrt((1 - c) * (1 + c))};
+    }
     auto const f = [&](double t) { return distance_slope(x, y, ratio_, t); };
-    double const t = bracketed_root(f, 0, pi / 2, std::atan2(y, ratio_ * x));
+    // Not from 0, where f is lost in underflow when y is tiny.
+    double const t = bracketed_root(f, 0, pi / 2, std::max(std::atan2(y, ratio_ * x), 1e-8));
     return {std::cos(t), std::sin(t)};
 }
 

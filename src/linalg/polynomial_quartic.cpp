@@ -51,7 +51,7 @@ int size_exponent(double a, double b, double c, double d) {
         int const e = std::ilogb(coefficients[i]), n = i + 1;
         result = std::max(result, (e >= 0 ? e : e - n + 1) / n);
     }
-    return result;
+    return result == none ? none : std::max(result, -1000);  // whose reciprocal is finite
 }
 
 // In units of 2^exponent; multiplied one by one, as the fourth power may overflow.
@@ -124,8 +124,8 @@ bool settle_on_multiple_root(monic const& m, double& x, double& radius) {
     return false;
 }
 
-// Newton's iteration from the candidate `x`, at most 12 steps, each halved until the residual falls, so that
-// a start near an extremum does not leave for another root; then the test.
+// Newton's iteration from the candidate `x`, at most 12 steps, each shortened until the residual falls, so
+// that a start near an extremum does not leave for another root; then the test.
 void polish_and_insert(monic const& m, double x, root_list& roots) {
     sample s = at(m, x);
     for (int i = 0; i < 12 && s.value != 0; ++i) {
@@ -234,7 +234,7 @@ root_list solve(monic const& m) {
     root_list roots;
     double const mean = -m.d / 4;
     sample const s = at(m, mean);
-    double const curvature_noise = 24 * epsilon * (sqr(m.d) + fabs(m.c));
+    double const curvature_noise = 4 * epsilon * (2.25 * sqr(m.d) + 2 * fabs(m.c));
     if (fabs(s.value) <= s.noise && fabs(s.slope) <= s.slope_noise && fabs(s.curvature) <= curvature_noise) {
         roots.insert(mean, m.duplicate_limit);
         return roots;
