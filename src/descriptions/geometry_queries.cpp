@@ -6,8 +6,8 @@
 #include "geometry/xyz.h"
 #include "record_kinds.h"
 
-// One overload for every kind and query, in which an empty answer means "none": a kind without an overload
-// does not compile.
+// Overloads for each query, in which an empty answer means "none". The nearest points stand in
+// nearest_points.cpp.
 
 inline namespace tvmath {
 namespace {
@@ -234,7 +234,8 @@ bool get_direction(Geometry_Description const& feature, point& direction) {
 
 bool get_plane(Geometry_Description const& feature, plane& through) {
     plane const found = ask_record(feature, [](auto const& r) { return plane_of(r); });
-    if (found.is_trivial() || _isnan(found)) return false;
+    if (found.is_trivial() || !is_usable(found.basis(0)) || !(length(unit(xyz(found.normal()))) > 0))
+        return false;
     through = found;
     return true;
 }

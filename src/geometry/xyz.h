@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 
 #include "tvmath/point.h"
@@ -38,10 +39,13 @@ inline xyz cross(xyz const& a, xyz const& b) {
 inline double length(xyz const& a) {
     return std::hypot(a.x, a.y, a.z);
 }
-/// Unit vector; zero when the length is 0 or not finite.
+/// Unit vector, of tiny and of huge ones too; zero when the length is 0 or not finite.
 inline xyz unit(xyz const& a) {
-    double const n = length(a);
-    return n > 0 && std::isfinite(n) ? xyz(a.x / n, a.y / n, a.z / n) : xyz();
+    double const most = std::max({std::fabs(a.x), std::fabs(a.y), std::fabs(a.z)});
+    if (!(most > 0) || !a.is_finite()) return xyz();
+    xyz const scaled(a.x / most, a.y / most, a.z / most);
+    double const n = length(scaled);
+    return {scaled.x / n, scaled.y / n, scaled.z / n};
 }
 /// Some unit vector at a right angle to the unit vector `n`: across the axis that n is least along.
 inline xyz any_perpendicular(xyz const& n) {
