@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "axial_shape.h"
+#include "direction_angles.h"
 #include "tvmath/scalar.h"
 
 inline namespace tvmath {

@@ -2,16 +2,13 @@
 #include <cmath>
 
 #include "geometry/ellipse_frame.h"
+#include "geometry/extent.h"
+#include "geometry/planar_shape.h"
 #include "tvmath/ellipse.h"
 #include "tvmath/scalar.h"
 
 inline namespace tvmath {
 namespace {
-
-CRealRect rect_about(point const& center, double half_width, double half_height) {
-    return CRealRect(center.x() - half_width, center.y() - half_height, center.x() + half_width,
-                     center.y() + half_height);
-}
 
 // The arc of parameters from `start` over `sweep` of an ellipse and its two parallels, as both lie after a
 // transform: their extent relative to the centre, so that one far from the origin keeps its digits.
@@ -30,11 +27,10 @@ public:
         double const length = (c * frame_.normal_v + s * frame_.normal_u).length3d();
         point const p = c * u_ + s * v_;
         point const shift = (c * normal_v_ + s * normal_u_) * (length == 0.0 ? 0.0 : distance_ / length);
-        double const dx = std::fabs(shift.x()), dy = std::fabs(shift.y());
-        left_ = std::min(left_, p.x() - dx);
-        right_ = std::max(right_, p.x() + dx);
-        bottom_ = std::min(bottom_, p.y() - dy);
-        top_ = std::max(top_, p.y() + dy);
+        x_.widen(p.x() - std::fabs(shift.x()));
+        x_.widen(p.x() + std::fabs(shift.x()));
+        y_.widen(p.y() - std::fabs(shift.y()));
+        y_.widen(p.y() + std::fabs(shift.y()));
     }
 
     void widen_within(double start, double sweep, double parameter) {
@@ -65,14 +61,15 @@ public:
     }
 
     CRealRect rect_at(point const& center) const {
-        return CRealRect(center.x() + left_, center.y() + bottom_, center.x() + right_, center.y() + top_);
+        return CRealRect(center.x() + x_.low, center.y() + y_.low, center.x() + x_.high,
+                         center.y() + y_.high);
     }
 
 private:
     ellipse_frame const& frame_;
     double distance_;
     point u_, v_, normal_u_, normal_v_;
-    double left_ = infinity, right_ = -infinity, bottom_ = infinity, top_ = -infinity;
+    interval x_, y_;
 };
 
 }  // namespace

@@ -129,8 +129,8 @@ nurb_integrand::nurb_integrand(nurb const& n, unsigned int span, point const& or
     upper_ = d.knot_values[span + 1];
     middle_ = lower_ + (upper_ - lower_) / 2;
     coefficients_.redim(d.order);
-    xyz const from = origin.is_trivial() ? origin_near(d.control_points + (span + 1 - d.order), d.order)
-                                         : xyz{origin.x(), origin.y(), origin.z()};
+    xyz const from =
+        origin.is_trivial() ? origin_near(d.control_points + (span + 1 - d.order), d.order) : xyz(origin);
     span_coefficients(d, span, middle_, from, coefficients_.lazycopy_begin());
 }
 

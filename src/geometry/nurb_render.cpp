@@ -21,7 +21,7 @@ double control_size(TQ3NURBCurveData const& d) {
     xyz low{HUGE_VAL, HUGE_VAL, HUGE_VAL}, high = low * -1;
     for (std::uint32_t i = 0; i < d.point_count; ++i) {
         xyz const p = location(d.control_points[i]);
-        if (!is_finite(p)) continue;
+        if (!p.is_finite()) continue;
         low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
         high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
     }
@@ -54,7 +54,7 @@ public:
 
 private:
     void push(xyz const& p) {
-        points_.push_back(to_point(p));
+        points_.push_back(p.location(true));
         last_ = p;
     }
     std::vector<point> points_;
@@ -161,7 +161,7 @@ public:
     chord_follower(TQ3NURBCurveData const& d, point const& origin, double tolerance, unsigned int n)
         : pieces_(std::clamp(n, 1u, most_pieces)),
           local_(origin_near(d.control_points, d.point_count)),
-          offset_(local_ - xyz{origin.x(), origin.y(), origin.is_3d() ? origin.z() : 0}),
+          offset_(local_ - xyz(origin)),
           span_(d.order) {
         // Zero, negative and NaN ask for the finest, which is still well above rounding.
         double const finest = 1e-9 * control_size(d);
@@ -199,7 +199,7 @@ private:
         add(s, start, before, half, middle);
         add(half, middle, after, t, end);
     }
-    void push(xyz const& p) { points_.push_back(to_point(p + offset_)); }
+    void push(xyz const& p) { points_.push_back((p + offset_).location(true)); }
 
     unsigned int pieces_;
     xyz local_, offset_;
@@ -224,9 +224,9 @@ curve nurb::render(int n, bool closed) const {
     point *const first = list.lazycopy_begin(), *to = first;
     for_each_span(d, [&](unsigned int index) {
         span.set(d, index, origin);
-        if (to == first && !closed) *to++ = to_point(span.at(0) + origin);
+        if (to == first && !closed) *to++ = (span.at(0) + origin).location(true);
         for (unsigned int i = 1; i <= steps; ++i) {
-            *to++ = to_point(span.at(static_cast<double>(i) / steps) + origin);
+            *to++ = (span.at(static_cast<double>(i) / steps) + origin).location(true);
         }
     });
     return list;

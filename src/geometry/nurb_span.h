@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "geometry/xyz.h"
 #include "tvmath/array.h"
 #include "tvmath/nurb.h"
 
@@ -36,31 +37,10 @@ constexpr std::size_t usual_order = 16;
 /// Polynomials of a higher order would keep no digit, and their tables would take any time and memory.
 constexpr std::size_t largest_polynomial_order = 256;
 
-struct xyz {
-    double x = 0, y = 0, z = 0;
-};
-inline xyz operator+(xyz const& a, xyz const& b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-inline xyz operator-(xyz const& a, xyz const& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-inline xyz operator*(xyz const& a, double s) {
-    return {a.x * s, a.y * s, a.z * s};
-}
-inline double dot(xyz const& a, xyz const& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-inline point to_point(xyz const& p) {
-    return point(true, p.x, p.y, p.z);
-}
+/// The place of a rational point.
 inline xyz location(TQ3RationalPoint4D const& p) {
     return {p.x / p.w, p.y / p.w, p.z / p.w};
 }
-inline bool is_finite(xyz const& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
 /// Number of knots at the start of the list that pass `test`, by bisection. The standard's bisection is
 /// undefined for a list that is out of order; this one then gives some number up to `count`.
 template <class predicate>
@@ -112,7 +92,7 @@ inline bool starts_apart(TQ3NURBCurveData const& d, unsigned int span) {
 inline xyz origin_near(TQ3RationalPoint4D const* points, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
         xyz const p = location(points[i]);
-        if (is_finite(p)) return p;
+        if (p.is_finite()) return p;
     }
     return {};
 }

@@ -2,10 +2,12 @@
 
 #include <cmath>
 
+#include "geometry/direction_angles.h"
+
 inline namespace tvmath {
 namespace {
 
-// A normal within this of an axis has no direction left that rounding has not made.
+// Beyond this of the Z axis an angle in XY means something; within, rounding has made it.
 bool has_direction_in_xy(point const& p) {
     return std::fabs(p.x()) > 1e-10 || std::fabs(p.y()) > 1e-10;
 }
@@ -30,8 +32,7 @@ plane::plane(point center, point normal) {
 }
 
 double plane::pitch() const {
-    point const n = basis(3);
-    return std::atan2(n.z(), n.length2d());
+    return pitch_of(basis(3));
 }
 
 double plane::yaw() const {

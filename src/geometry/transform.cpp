@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "direction_angles.h"
 #include "transform_block.h"
 
 inline namespace tvmath {
@@ -210,16 +211,11 @@ bool transform::is_left_handed() const {
 }
 
 double transform::pitch() const {
-    point x = basis(1);
-    x.promote3d();
-    return std::atan2(x.z(), x.length2d());
+    return pitch_of(basis(1));
 }
 
 double transform::yaw() const {
-    point const x = basis(1);
-    // What rotations leave of a 1 that was turned into Z is no direction.
-    if (std::fabs(x.x()) < 1e-10 && std::fabs(x.y()) < 1e-10) return 0.0;
-    return x.angle2d();
+    return yaw_of(basis(1));
 }
 
 double transform::roll() const {

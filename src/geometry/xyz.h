@@ -30,6 +30,9 @@ inline xyz operator-(xyz const& a, xyz const& b) {
 inline xyz operator*(double s, xyz const& a) {
     return {s * a.x, s * a.y, s * a.z};
 }
+inline xyz operator*(xyz const& a, double s) {
+    return s * a;
+}
 inline double dot(xyz const& a, xyz const& b) {
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
