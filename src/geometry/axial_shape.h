@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "tvmath/curve.h"
 #include "tvmath/ellipse.h"
 
 inline namespace tvmath {
