@@ -183,6 +183,12 @@ TEST(FitFeature, GivesResidualsWorkedByHand) {
     }
 }
 
+// A parser of options takes "-.5" for one unless it is told.
+TEST_F(Program, TakesNegativeNumbersWithAndWithoutTheZero) {
+    ASSERT_TRUE(succeeds("render point -.5 -2 -o -")) << err;
+    EXPECT_EQ(out, "stroke,role,closed,x,y,z\n1,mark,0,-0.5,-2.0,\n");
+}
+
 TEST(NumberText, IsShortestWithAPoint) {
     struct {
         double x;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "exit_status.h"
 #include "fit_command.h"
@@ -75,6 +76,17 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
     return render;
 }
 
+// The arguments in the order that the parser wants, the last one first. To it -5 is a number and -.5 an
+// unknown option.
+std::vector<std::string> words_of(int argc, char** argv) {
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    for (std::string& word : words) {
+        if (word.starts_with("-.")) word.insert(1, "0");
+    }
+    std::reverse(words.begin(), words.end());
+    return words;
+}
+
 exit_status run(int argc, char** argv) {
     CLI::App app("Fits geometric features to measured points, and draws shapes.", "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
@@ -86,7 +98,7 @@ exit_status run(int argc, char** argv) {
     add_fit(app, to_fit);
     CLI::App const* const render = add_render(app, to_render);
     try {
-        app.parse(argc, argv);
+        app.parse(words_of(argc, argv));
         if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") > 1) {
             throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
         }
