@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 #include "tvmath/curve.h"
 
@@ -26,26 +27,14 @@ bool span_fits(point const* first, point const* last, double t) {
     return true;
 }
 
-// The points that a reduction keeps, at most `limit`. Grows as they come: a list of which little stays is
-// neither unshared nor matched by a block of its own size.
-class kept_points {
-public:
-    explicit kept_points(unsigned int limit) : limit_(limit), list_(std::min(limit, 64u)) {}
-
-    void add(point const& p) {
-        unsigned int const room = list_.capacity();
-        if (count_ == room) list_.redim(room > limit_ / 2 ? limit_ : 2 * room);
-        list_.lazycopy_begin()[count_++] = p;
-    }
-    curve take() {
-        list_.redim(count_);
-        return list_;
-    }
-
-private:
-    unsigned int limit_, count_ = 0;
-    idioms::array<point> list_;
-};
+// The points of these indices. Indices, and not the points themselves, are collected first: they are a tenth
+// of the size, and the list is then made once in its final size.
+curve picked(point const* from, std::vector<std::uint32_t> const& kept) {
+    curve result(static_cast<unsigned int>(kept.size()));
+    point* to = result.lazycopy_begin();
+    for (std::uint32_t const i : kept) *to++ = from[i];
+    return result;
+}
 
 }  // namespace
 
@@ -53,32 +42,30 @@ curve& curve::reduce_points_by_tolerance(double t, bool) {
     unsigned int const n = capacity();
     if (n == 0) return *this;
     point const* const p = begin();
-    kept_points kept(n);
-    kept.add(p[0]);
+    std::vector<std::uint32_t> kept = {0};
     for (unsigned int i = 0; i + 1 < n;) {
         unsigned int step = std::min(longest_span, n - 1 - i);
         while (step > 1 && !span_fits(p + i, p + i + step, t)) step >>= 1;
         i += step;
-        kept.add(p[i]);
+        kept.push_back(i);
     }
-    return *this = kept.take();
+    return *this = picked(p, kept);
 }
 
 curve& curve::reduce_points_by_interval(double d, bool closed) {
     unsigned int const n = capacity();
     if (n == 0) return *this;
     point const* const p = begin();
-    kept_points kept(n);
-    kept.add(p[0]);
+    std::vector<std::uint32_t> kept = {0};
     unsigned int reference = 0;
     for (unsigned int i = 1; i < n; ++i) {
         if (distance2d(p[i], p[reference]) >= d) {
-            kept.add(p[i]);
+            kept.push_back(i);
             reference = i;
         }
     }
-    if (!closed && reference != n - 1) kept.add(p[n - 1]);
-    return *this = kept.take();
+    if (!closed && reference != n - 1) kept.push_back(n - 1);
+    return *this = picked(p, kept);
 }
 
 curve& curve::reduce_points_to_number(unsigned int n, bool closed) {
