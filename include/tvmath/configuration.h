@@ -85,15 +85,14 @@ protected:
 
 private:
     static wide_string literal(char16_t const* text) { return as_wide(text ? text : u""); }
-    bool acquire_lock();
+    bool hold_lock();
     bool load(bool create);
-    bool load_backup();
     void store();
-    wide_char* text_end() const { return text.get() + length; }
-    wide_char* find_section(wide_string const& header) const;
+    bool find_or_append_section(wide_char const* name, bool create);
+    wide_char const* text_end() const { return text.get() + length; }
     wide_char* find_value(wide_char const* key) const;
-    void insert_key(wide_char const* key, wide_char const* value);
-    void replace_text(wide_char const* from, wide_char const* to, wide_string_view fresh);
+    void insert_key(wide_char const* key, wide_string_view value);
+    wide_char* replace_text(wide_char const* from, wide_char const* to, wide_string_view fresh);
 };
 
 /// "Folders.ini" beside the executable: where the other folders are. It has no backup.

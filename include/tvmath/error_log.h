@@ -24,14 +24,16 @@ public:
     template <class... arguments>
     void operator()(log_format<std::type_identity_t<arguments>...> format, arguments const&... values) {
         log_argument const list[] = {log_argument(values)..., log_argument()};
-        if (open_) write(format.text(), list, sizeof...(values));
+        if (open_) write(format.wide(), format.literal(), list, sizeof...(values));
     }
 
 private:
     friend TVMATH_API log_function error_log_entry(char const* source_file, int const* numbers,
                                                    unsigned int count);
     explicit log_function(bool is_open) : open_(is_open) {}
-    void write(wide_string const& format, log_argument const* values, std::size_t count) noexcept;
+    void write(wide_string_view wide, std::u16string_view literal, log_argument const* values,
+               std::size_t count) noexcept;
+    void close() noexcept;
 
     bool open_;  // The entry has its prefix and waits for its message.
 };

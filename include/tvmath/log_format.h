@@ -183,7 +183,9 @@ public:
     log_format(wide_char const* format) : wide_(format, wide_length(format)) {}
     log_format(wide_string const& format) : wide_(format) {}
 
-    wide_string text() const { return wide_.empty() ? as_wide(literal_) : wide_string(wide_); }
+    // The format is one of the two; the other is empty.
+    std::u16string_view literal() const { return literal_; }
+    wide_string_view wide() const { return wide_; }
 
 private:
     consteval bool fits(log_kind const* given) const {

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "platform/file_access.h"
 
 inline namespace tvmath {
@@ -19,18 +16,6 @@ file_path common_data_base();
 /// Makes a folder that every user may read and write, and the levels above it with the usual rights. An
 /// existing folder stays as it is. False when there is none afterwards.
 bool create_folder_for_all(file_path const& folder);
-
-/// Who may do what with a file: the mode and, where the file system has them, the access list.
-struct access_rights {
-    unsigned int mode = 0;
-    std::string access_list;
-};
-
-/// 0 or the system's number of the failure.
-int read_access_rights(file_path const& file, access_rights& rights);
-/// 0 or the system's number of the failure. Rights of a file that are given to a folder let those who may
-/// read search as well.
-int set_access_rights(file_path const& file, access_rights const& rights);
 
 /// Moves a file or a folder, to another volume too. An existing `to` is not overwritten. False with `from`
 /// still there.
