@@ -13,6 +13,16 @@
 
 inline namespace tvmath {
 
+namespace {
+
+// A null pointer is the empty text.
+wide_string_view view(wide_char const* text) {
+    static constexpr wide_char none = 0;
+    return text ? text : &none;
+}
+
+}  // namespace
+
 Configuration::Configuration(wide_string name, bool has_backup)
     : file_name(std::move(name)), recoverable(has_backup) {}
 
@@ -111,7 +121,7 @@ bool Configuration::get_value(wide_char const* key, wide_string& value) {
 bool Configuration::set_value(wide_char const* key, wide_char const* value) {
     if (!section || !key) return false;
     return without_exceptions(false, [&] {
-        wide_string_view const fresh(value, wide_length(value));
+        wide_string_view const fresh = view(value);
         wide_char const* const found = find_value(key);
         if (!found) {
             insert_key(key, fresh);
@@ -127,7 +137,7 @@ bool Configuration::set_value(wide_char const* key, wide_char const* value) {
 
 wide_string Configuration::get_or_add_value(wide_char const* key, wide_char const* default_value) {
     return without_exceptions(wide_string(), [&] {
-        wide_string value(default_value, wide_length(default_value));
+        wide_string value(view(default_value));
         if (section && key && !get_value(key, value)) insert_key(key, value);
         return value;
     });

@@ -78,9 +78,10 @@ number_text real_text(double value, log_conversion const& c) {
 }
 
 wide_string text_of(log_argument const& value, int precision) {
-    wide_string text = value.kind == log_kind::narrow_text ? to_wide(value.narrow)
-                       : value.literal.empty()             ? wide_string(value.wide)
-                                                           : as_wide(value.literal);
+    wide_string text;
+    if (value.kind == log_kind::narrow_text) text = to_wide(value.narrow);
+    if (!value.wide.empty()) text = value.wide;
+    if (!value.literal.empty()) text = as_wide(value.literal);
     if (precision >= 0 && static_cast<std::size_t>(precision) < text.size()) {
         text.resize(static_cast<std::size_t>(precision));
     }
