@@ -42,6 +42,11 @@ public:
         ::kill(id_, SIGKILL);
         succeeded();
     }
+    bool has_ended() const {
+        siginfo_t state{};
+        return ::waitid(P_PID, static_cast<id_t>(id_), &state, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+               state.si_pid != 0;
+    }
     /// Waits for its end. True when all its expectations held.
     bool succeeded() {
         int status = 0;
@@ -75,6 +80,7 @@ public:
     shared_number& operator=(shared_number const&) = delete;
     ~shared_number() { ::munmap(number_, sizeof(std::atomic<int>)); }
     std::atomic<int>* operator->() const { return number_; }
+    std::atomic<int>& operator*() const { return *number_; }
 
 private:
     std::atomic<int>* number_;

@@ -59,6 +59,7 @@ void take_over_rights(file_path const& from, file_path const& to) {
 }  // namespace
 
 bool replace_file(file_path const& fresh, file_path const& target, file_path const& kept) {
+    if (::access(fresh.c_str(), F_OK) != 0) return false;
     bool const keep = !kept.empty() && ::access(target.c_str(), F_OK) == 0;
     take_over_rights(target, fresh);
     if (keep && exchange_files(fresh, target)) {
