@@ -7,7 +7,8 @@
 inline namespace tvmath {
 
 /// A lock that is known to all processes by its name, owned by a thread, and free again when its owner
-/// dies, however it dies. Handles on one name in one process share one lock.
+/// dies, however it dies. Handles on one name in one process share one lock; the last handle takes the lock's
+/// file away with it.
 class named_lock {
 public:
     /// A handle on the lock of that name, which is made if need be, open to all users. Null when the system

@@ -145,10 +145,14 @@ TEST(NamedLock, ExcludesTheThreadsOfAProcess) {
 TEST(NamedLock, RepairsItsFile) {
     temporary_folder folder;
     std::string const name = lock_name(folder);
-    ASSERT_TRUE(is_free(name));
-    fs::path const file = lock_file(folder);
-    ASSERT_FALSE(file.empty());
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms(0666));
+    fs::path file;
+    {
+        auto const lock = named_lock::open(name);
+        file = lock_file(folder);
+        ASSERT_FALSE(file.empty());
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms(0666));
+    }
+    EXPECT_FALSE(fs::exists(file));
     for (std::string const& foreign : {std::string(), std::string("half"), std::string(4096, 'x')}) {
         write_bytes(file, foreign);
         auto const lock = named_lock::open(name);

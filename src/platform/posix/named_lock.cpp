@@ -124,7 +124,8 @@ int open_lock_file(std::string const& path) {
     // Without O_CREAT, which folders like /dev/shm refuse for another user's file.
     int const flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
     int file = ::open(path.c_str(), flags);
-    if (file < 0 && errno == ENOENT && make_lock_file(path)) file = ::open(path.c_str(), flags);
+    // Again when another process took the file away in between, after it had had the lock.
+    while (file < 0 && errno == ENOENT && make_lock_file(path)) file = ::open(path.c_str(), flags);
     return file;
 }
 
@@ -154,7 +155,9 @@ public:
     shared_mutex& operator=(shared_mutex const&) = delete;
     ~shared_mutex() {
         // Still held by a thread that never released it: the mapping has to outlive that thread.
-        if (lock_ && held_ == 0) ::munmap(lock_, sizeof(lock_file));
+        if (!lock_ || held_ != 0) return;
+        remove_if_unused();
+        ::munmap(lock_, sizeof(lock_file));
     }
 
     bool is_usable() const { return lock_ != nullptr; }
@@ -179,6 +182,15 @@ public:
     }
 
 private:
+    // Only the holder removes the file, and who gets the lock afterwards sees that it is gone.
+    void remove_if_unused() {
+        int result = ::pthread_mutex_trylock(&lock_->mutex);
+        if (result == EOWNERDEAD) result = ::pthread_mutex_consistent(&lock_->mutex);
+        if (result != 0) return;
+        if (is_current()) ::unlink(path_.c_str());
+        ::pthread_mutex_unlock(&lock_->mutex);
+    }
+
     std::string path_;
     pid_t maker_;
     dev_t device_ = 0;
