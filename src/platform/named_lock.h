@@ -29,6 +29,7 @@ public:
 private:
     class shared_mutex;
     named_lock(std::string file, std::shared_ptr<shared_mutex> mutex);
+    static void renew(std::string const& path, std::shared_ptr<shared_mutex>& mutex);
 
     std::string file_;
     std::shared_ptr<shared_mutex> mutex_;

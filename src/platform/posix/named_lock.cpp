@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <thread>
 
 #include "platform/thread_id.h"
 
@@ -129,14 +130,22 @@ int open_lock_file(std::string const& path) {
     return file;
 }
 
+// Never destroyed: handles may be opened and closed until the process ends.
+std::mutex& registry_guard() {
+    static auto& guard = *new std::mutex;
+    // A process forked while another thread holds the guard would find it held for ever.
+    [[maybe_unused]] static int const registered =
+        ::pthread_atfork([] { registry_guard().lock(); }, [] { registry_guard().unlock(); },
+                         [] { registry_guard().unlock(); });
+    return guard;
+}
+
 }  // namespace
 
 // The mapping of one lock file. One per process and lock: the list of held mutexes that the system walks
 // when a thread dies refers to addresses, which must stay valid as long as any handle holds the lock.
 class named_lock::shared_mutex {
 public:
-    static std::shared_ptr<shared_mutex> of(std::string const& path, shared_mutex const* stale);
-
     explicit shared_mutex(std::string const& path) : path_(path), maker_(::getpid()) {
         descriptor const file(open_lock_file(path));
         struct stat status {};
@@ -155,8 +164,8 @@ public:
     shared_mutex& operator=(shared_mutex const&) = delete;
     ~shared_mutex() {
         // Still held by a thread that never released it: the mapping has to outlive that thread.
-        if (!lock_ || held_ != 0) return;
-        remove_if_unused();
+        if (!lock_ || times_held_ != 0) return;
+        if (!is_inherited()) remove_if_unused();
         ::munmap(lock_, sizeof(lock_file));
     }
 
@@ -164,21 +173,30 @@ public:
 
     bool acquire() {
         int result = ::pthread_mutex_lock(&lock_->mutex);
-        // The holder died. What the lock guards is either whole or found damaged by those who read it.
-        if (result == EOWNERDEAD) result = ::pthread_mutex_consistent(&lock_->mutex);
-        if (result == 0) ++held_;
-        return result == 0;
-    }
-    void release() {
-        if (::pthread_mutex_unlock(&lock_->mutex) == 0) --held_;
+        if (result == EOWNERDEAD) {
+            // The holder died. What the lock guards is either whole or found damaged by those who read it.
+            result = ::pthread_mutex_consistent(&lock_->mutex);
+            times_held_ = 0;
+        }
+        if (result != 0) return false;
+        ++times_held_;
+        owner_ = std::this_thread::get_id();
+        return true;
     }
 
-    // False when the file of the name is another by now, since someone cleaned up, or when this is the
-    // inheritance of a forked process.
+    void release() {
+        if (is_inherited() || owner_ != std::this_thread::get_id()) return;
+        if (--times_held_ == 0) owner_ = std::thread::id();
+        ::pthread_mutex_unlock(&lock_->mutex);
+    }
+
+    // By a forked process, which then has neither the lock nor a say in what becomes of the file.
+    bool is_inherited() const { return maker_ != ::getpid(); }
+
+    // False when the file of the name is another by now, since its last user took it away.
     bool is_current() const {
         struct stat status {};
-        return maker_ == ::getpid() && ::stat(path_.c_str(), &status) == 0 && status.st_dev == device_ &&
-               status.st_ino == number_;
+        return ::stat(path_.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == number_;
     }
 
 private:
@@ -196,42 +214,49 @@ private:
     dev_t device_ = 0;
     ino_t number_ = 0;
     lock_file* lock_ = nullptr;
-    std::atomic<int> held_ = 0;
+    // By this process. Written by the holder alone.
+    std::atomic<int> times_held_ = 0;
+    std::atomic<std::thread::id> owner_ = std::thread::id();
 };
 
-std::shared_ptr<named_lock::shared_mutex> named_lock::shared_mutex::of(std::string const& path,
-                                                                       shared_mutex const* stale) {
-    // Never destroyed: handles may be opened until the process ends.
-    static auto& guard = *new std::mutex;
+// Puts the mapping that all handles on the lock share in the place of `mutex`, which is stale or null. Null
+// if there is none.
+void named_lock::renew(std::string const& path, std::shared_ptr<shared_mutex>& mutex) {
+    std::scoped_lock const hold(registry_guard());
     static auto& open_ones = *new std::map<std::string, std::weak_ptr<shared_mutex>>;
-    std::scoped_lock const hold(guard);
     std::erase_if(open_ones, [](auto const& entry) { return entry.second.expired(); });
     std::weak_ptr<shared_mutex>& known = open_ones[path];
-    std::shared_ptr<shared_mutex> mutex = known.lock();
-    if (!mutex || mutex.get() == stale) {
-        mutex = std::make_shared<shared_mutex>(path);
-        known = mutex;
+    std::shared_ptr<shared_mutex> fresh = known.lock();
+    if (!fresh || fresh == mutex) {
+        fresh = std::make_shared<shared_mutex>(path);
+        known = fresh;
     }
-    return mutex->is_usable() ? mutex : nullptr;
+    mutex = fresh->is_usable() ? fresh : nullptr;
 }
 
 named_lock::named_lock(std::string file, std::shared_ptr<shared_mutex> mutex)
     : file_(std::move(file)), mutex_(std::move(mutex)) {}
 
-named_lock::~named_lock() = default;
+named_lock::~named_lock() {
+    // Guarded, so that nobody opens the lock between the end of its last handle and that of its mapping.
+    std::scoped_lock const hold(registry_guard());
+    mutex_.reset();
+}
 
 std::unique_ptr<named_lock> named_lock::open(std::string_view name) {
     std::string path = lock_file_path(name);
-    std::shared_ptr<shared_mutex> mutex = shared_mutex::of(path, nullptr);
+    std::shared_ptr<shared_mutex> mutex;
+    renew(path, mutex);
     if (!mutex) return nullptr;
     return std::unique_ptr<named_lock>(new named_lock(std::move(path), std::move(mutex)));
 }
 
 bool named_lock::acquire() {
+    if (mutex_ && mutex_->is_inherited()) renew(file_, mutex_);
     while (mutex_ && mutex_->acquire()) {
         if (mutex_->is_current()) return true;
         mutex_->release();
-        mutex_ = shared_mutex::of(file_, mutex_.get());
+        renew(file_, mutex_);
     }
     return false;
 }
