@@ -93,41 +93,54 @@ bool fill_lock_file(lock_file& lock) {
     return filled;
 }
 
+bool size_and_fill(int file) {
+    if (!is_long_enough(file) && ::ftruncate(file, sizeof(lock_file)) != 0) return false;
+    lock_file* const lock = map_lock_file(file);
+    if (!lock) return false;
+    bool const filled = lock->mark.load(std::memory_order_acquire) == complete_mark || fill_lock_file(*lock);
+    ::munmap(lock, sizeof(lock_file));
+    return filled;
+}
+
 // Under a lock of its own, since several processes may find the file wanting at once.
 bool repair_lock_file(int file) {
     if (::flock(file, LOCK_EX) != 0) return false;
-    bool repaired = is_long_enough(file) || ::ftruncate(file, sizeof(lock_file)) == 0;
-    if (lock_file* const lock = repaired ? map_lock_file(file) : nullptr) {
-        repaired = lock->mark.load(std::memory_order_acquire) == complete_mark || fill_lock_file(*lock);
-        ::munmap(lock, sizeof(lock_file));
-    } else {
-        repaired = false;
-    }
+    bool const repaired = size_and_fill(file);
     ::flock(file, LOCK_UN);
     return repaired;
 }
 
 // Makes the file complete under a name of its own and only then links it in: nobody meets it without its
-// contents or without the access of all users.
-bool make_lock_file(std::string const& path) {
+// contents or without the access of all users. The file, or -1.
+int make_lock_file(std::string const& path) {
     std::string const fresh =
         path + "." + std::to_string(::getpid()) + "." + std::to_string(current_thread_id());
+    auto const open_fresh = [&] {
+        return ::open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    };
+    int file = open_fresh();
+    if (file < 0 && errno == EEXIST && ::unlink(fresh.c_str()) == 0)
+        file = open_fresh();  // of a dead process
+    if (file < 0) return file;
+    bool const linked =
+        ::fchmod(file, 0666) == 0 && size_and_fill(file) && ::link(fresh.c_str(), path.c_str()) == 0;
+    int const reason = errno;
     ::unlink(fresh.c_str());
-    descriptor const file(::open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (file.get() < 0) return false;
-    bool const made = ::fchmod(file.get(), 0666) == 0 && repair_lock_file(file.get()) &&
-                      (::link(fresh.c_str(), path.c_str()) == 0 || errno == EEXIST);
-    ::unlink(fresh.c_str());
-    return made;
+    if (linked) return file;
+    ::close(file);
+    errno = reason;
+    return -1;
 }
 
 int open_lock_file(std::string const& path) {
-    // Without O_CREAT, which folders like /dev/shm refuse for another user's file.
-    int const flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-    int file = ::open(path.c_str(), flags);
-    // Again when another process took the file away in between, after it had had the lock.
-    while (file < 0 && errno == ENOENT && make_lock_file(path)) file = ::open(path.c_str(), flags);
-    return file;
+    // More than once when others make the file, or take it away, in between.
+    for (;;) {
+        // Without O_CREAT, which folders like /dev/shm refuse for another user's file.
+        int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+        if (file >= 0 || errno != ENOENT) return file;
+        file = make_lock_file(path);
+        if (file >= 0 || errno != EEXIST) return file;
+    }
 }
 
 // Never destroyed: handles may be opened and closed until the process ends.
