@@ -16,8 +16,9 @@ enum class file_use {
     append,          ///< A file that others may append to as well; a missing one is made.
 };
 
-/// A regular file, open as long as the object lives. The denial binds programs that open files this way, as
-/// far as the system has it. A file made in a folder that is open to all users is open to all users too.
+/// A regular file, open as long as the object lives; a link is followed for reading alone. The denial binds
+/// programs that open files this way, as far as the system has it. A file made in a folder that is open to
+/// all users is open to all users too.
 class open_file {
 public:
     open_file(file_path const& name, file_use use);

@@ -41,6 +41,11 @@ TEST(OpenFile, TakesRegularFilesAlone) {
             EXPECT_FALSE(file.failure().empty());
         }
     }
+    write_bytes(folder / "file", "");  // nobody leads the library's writing elsewhere by a link
+    fs::create_symlink("file", folder / "to file");
+    EXPECT_TRUE(open_file(folder / "to file", file_use::read).is_open());
+    EXPECT_FALSE(open_file(folder / "to file", file_use::write).is_open());
+    EXPECT_FALSE(open_file(folder / "to file", file_use::append).is_open());
     EXPECT_FALSE(open_file(folder / "new", file_use::read).is_open());
     EXPECT_FALSE(fs::exists(folder / "new"));
 }

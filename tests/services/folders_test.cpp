@@ -4,6 +4,8 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <sstream>
+
 #include "services/service_test.h"
 #include "tvmath/configuration.h"
 #include "tvmath/error_log.h"
@@ -11,63 +13,28 @@
 inline namespace tvmath {
 namespace {
 
-std::vector<std::string> const common_names = {"Torvex.ini", "Torvex.sav", "users.dat",      "users.sav",
-                                               "Error.trl",  "Error.bak",  "PrinterSettings"};
-
-// In the order of the move.
-std::vector<std::string> machine_names() {
-    std::vector<std::string> names = {"Machine.ini",
-                                      "Machine.sav",
-                                      "StageCal.dat",
-                                      "StageCal.sav",
-                                      "StageVer.dat",
-                                      "StageVer.sav",
-                                      "Probes.dat",
-                                      "Probes.sav",
-                                      "_tp.tmp",
-                                      "_tp.sav",
-                                      "EEPROM Backup.sav",
-                                      "EEPROM Backup.sav0",
-                                      "EEPROM Backup.sav1",
-                                      "EEPROM Backup.sav2",
-                                      "EEPROM Backup.sav3",
-                                      "EEPROM Backup.sav4",
-                                      "EEPROM Backup.sav5",
-                                      "EEPROM Backup.sav6",
-                                      "EEPROM Backup.sav7",
-                                      "EEPROM Backup.sav8",
-                                      "EEPROM Backup.sav9",
-                                      "EEPROM Backup.sav10",
-                                      "MUBackup.ini",
-                                      "MachineLinear.sav",
-                                      "CurveDat.csv",
-                                      "CurveResult.csv",
-                                      "GradientTest.csv",
-                                      "ConvergenceTest.csv",
-                                      "Singularity.csv",
-                                      "Cov.csv",
-                                      "Calibration.csv",
-                                      "LightsCal.csv",
-                                      "YUVHist.csv",
-                                      "GHist.csv",
-                                      "LocateInfo0.dat",
-                                      "LocateInfo1.dat",
-                                      "LocateInfo2.dat",
-                                      "LocateInfo3.dat",
-                                      "LocateInfo4.dat",
-                                      "LocateInfo5.dat",
-                                      "LocateInfo6.dat",
-                                      "LocateInfo7.dat",
-                                      "LocateInfo8.dat",
-                                      "LocateInfo9.dat",
-                                      "LocateInfo10.dat",
-                                      "focus_image.jpg",
-                                      "Focus Diagnostics.dat",
-                                      "LightCalLog.txt",
-                                      "Lighting Diagnostic.txt",
-                                      "Touch Probe Cal Diagnostics"};
-    return names;
+// Names with a bar between them, in the order of their move.
+std::vector<std::string> split(std::string const& names) {
+    std::vector<std::string> list;
+    std::istringstream all(names);
+    for (std::string name; std::getline(all, name, '|');) list.push_back(name);
+    return list;
 }
+
+std::vector<std::string> const common_names =
+    split("Torvex.ini|Torvex.sav|users.dat|users.sav|Error.trl|Error.bak|PrinterSettings");
+std::vector<std::string> const machine_names = split(
+    "Machine.ini|Machine.sav|StageCal.dat|StageCal.sav|StageVer.dat|StageVer.sav|Probes.dat|Probes.sav|_tp."
+    "tmp|_tp.sav|"
+    "EEPROM Backup.sav|EEPROM Backup.sav0|EEPROM Backup.sav1|EEPROM Backup.sav2|EEPROM Backup.sav3|EEPROM "
+    "Backup.sav4|"
+    "EEPROM Backup.sav5|EEPROM Backup.sav6|EEPROM Backup.sav7|EEPROM Backup.sav8|EEPROM Backup.sav9|"
+    "EEPROM Backup.sav10|MUBackup.ini|MachineLinear.sav|CurveDat.csv|CurveResult.csv|GradientTest.csv|"
+    "ConvergenceTest.csv|Singularity.csv|Cov.csv|Calibration.csv|LightsCal.csv|YUVHist.csv|GHist.csv|"
+    "LocateInfo0.dat|"
+    "LocateInfo1.dat|LocateInfo2.dat|LocateInfo3.dat|LocateInfo4.dat|LocateInfo5.dat|LocateInfo6.dat|"
+    "LocateInfo7.dat|LocateInfo8.dat|LocateInfo9.dat|LocateInfo10.dat|focus_image.jpg|Focus Diagnostics.dat|"
+    "LightCalLog.txt|Lighting Diagnostic.txt|Touch Probe Cal Diagnostics");
 
 std::string slash(fs::path const& folder) {
     return folder.string() + "/";
@@ -111,6 +78,16 @@ TEST(Folders, AreWhereTheSettingsSay) {
     EXPECT_EQ(status.st_mode & 07777, 0777u);
 }
 
+// The log, which tells of the damage, asks for the folder while it is being read.
+TEST(Folders, AreFoundWhenTheirFileIsDamaged) {
+    installation place;
+    std::string const name = place.beside_executable("Folders.ini").string();
+    write_bytes(name, std::string(50, '\0'));
+    EXPECT_TRUE(
+        in_fresh_process([&] { EXPECT_EQ(to_utf8(get_config_folder()), place.common("").string()); }));
+    EXPECT_EQ(log_messages(place.common("error.trl")), name + " is corrupt\r\n");
+}
+
 TEST(Folders, OfTheExecutableAreFoundWithoutTheVariable) {
     installation place;
     EXPECT_TRUE(in_fresh_process([&] {
@@ -140,8 +117,8 @@ bool move_in_fresh_process() {
 
 TEST(SettingsMove, CarriesEveryFileOfTheCatalogues) {
     installation place;
-    EXPECT_EQ(machine_names().size(), 50u);
-    for (auto const& names : {common_names, machine_names()}) {
+    EXPECT_EQ(machine_names.size(), 50u);
+    for (auto const& names : {common_names, machine_names}) {
         for (std::string const& name : names) write_bytes(place.beside_executable(name), "old " + name);
     }
     write_bytes(
@@ -160,7 +137,7 @@ TEST(SettingsMove, CarriesEveryFileOfTheCatalogues) {
         EXPECT_FALSE(fs::exists(place.beside_executable(name)));
         EXPECT_EQ(fs::status(place.common(own)).permissions(), fs::perms(0666)) << name;
     }
-    for (std::string const& name : machine_names()) {
+    for (std::string const& name : machine_names) {
         EXPECT_FALSE(fs::exists(place.beside_executable(name))) << name;
         if (name == "Machine.ini") continue;
         EXPECT_EQ(read_bytes(place.common("family x/" + name)), "old " + name);

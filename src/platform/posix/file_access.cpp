@@ -42,11 +42,13 @@ private:
 int open_flags(file_use use) {
     // Not to block on a pipe that stands under the name.
     int const common = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    // In a folder that all users may write, a link would lead a privileged process to write any file.
+    int const writing = common | O_WRONLY | O_NOFOLLOW;
     switch (use) {
         case file_use::write:
-            return common | O_WRONLY;
+            return writing;
         case file_use::append:
-            return common | O_WRONLY | O_APPEND;
+            return writing | O_APPEND;
         default:
             return common | O_RDONLY;
     }
