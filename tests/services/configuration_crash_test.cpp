@@ -61,13 +61,8 @@ TEST(Crash, LosesNoMoreThanTheLastStore) {
         int const known = stored->load(), found = generation_of(name);
         ASSERT_GE(found, known);
         ASSERT_LE(found, known + 1);
-        int const kept = generation_of(backup);
-        ASSERT_LE(kept,
-                  found);  // equal where files have no exchange, and the old one gets its second name first
-        ASSERT_GE(kept, found - 2);
-        if (kept == found - 2) {  // between the exchange and the renaming of the old one
-            ASSERT_EQ(generation_of(folder / "a.ini.tmp"), found - 1);
-        }
+        int const kept = generation_of(backup);  // the same where the kill came before the new file's turn
+        ASSERT_TRUE(kept == found - 1 || kept == found) << kept << " of " << found;
         Configuration file(to_wide(name.string()), true);
         ASSERT_TRUE(file.select_section(u"Count", false));
         stored->store(found);

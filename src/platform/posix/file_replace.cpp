@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include "platform/access_rights.h"
@@ -16,15 +15,6 @@ bool rename_file(file_path const& from, file_path const& to) {
     return ::rename(from.c_str(), to.c_str()) == 0;
 }
 
-// Both names change their files in one step, which not every file system can.
-bool exchange_files([[maybe_unused]] file_path const& a, [[maybe_unused]] file_path const& b) {
-#if defined(SYS_renameat2) && defined(RENAME_EXCHANGE)
-    return ::syscall(SYS_renameat2, AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0;
-#else
-    return false;
-#endif
-}
-
 void flush_name(file_path const& name, int kind) {
     int const descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC | kind);
     if (descriptor < 0) return;
@@ -32,8 +22,11 @@ void flush_name(file_path const& name, int kind) {
     ::close(descriptor);
 }
 
-// A second name for the contents of `target`, or a copy where a file has but one name. It is made under
-// a name of its own and then renamed, so that the `kept` of before is there until then.
+// A second name for the contents of `target`, or a copy where a file has but one name. It is made under a
+// name of its own and then renamed, so that the `kept` of before is there until then.
+//
+// An exchange of `fresh` and `target` and the renaming of the old one would be the other way. A process that
+// dies between the two leaves the old one under the temporary name, and the next store would overwrite it.
 void keep_as(file_path const& target, file_path const& kept) {
     file_path beside = kept;
     beside += ".tmp";
@@ -62,12 +55,8 @@ bool replace_file(file_path const& fresh, file_path const& target, file_path con
     if (::access(fresh.c_str(), F_OK) != 0) return false;
     bool const keep = !kept.empty() && ::access(target.c_str(), F_OK) == 0;
     take_over_rights(target, fresh);
-    if (keep && exchange_files(fresh, target)) {
-        rename_file(fresh, kept);
-    } else {
-        if (keep) keep_as(target, kept);
-        if (!rename_file(fresh, target)) return false;
-    }
+    if (keep) keep_as(target, kept);
+    if (!rename_file(fresh, target)) return false;
     // Until then the new names may be in memory alone.
     flush_name(target.has_parent_path() ? target.parent_path() : file_path("."), O_DIRECTORY);
     return true;
