@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "services/audio_output.h"
+#include "services/text_case.h"
 #include "tvmath/configuration.h"
 #include "tvmath/wide_string.h"
 
@@ -25,18 +26,6 @@ constinit std::atomic<int> device_in_use = 0;
 
 wide_string name_of(AudioDevice device) {
     return as_wide(device_names[device - no_device]);
-}
-
-int lower_case(int letter) {
-    return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter;
-}
-
-bool equal_ignoring_case(wide_string const& a, std::u16string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < b.size(); ++i) {
-        if (lower_case(a[i]) != lower_case(b[i])) return false;
-    }
-    return true;
 }
 
 bool is_known(int device) {

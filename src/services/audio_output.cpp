@@ -50,8 +50,7 @@ sound_output& sound_output::of_process() {
     return fresh.release()->output;
 }
 
-sound_output::sound_output()
-    : queue_([this](int hertz, int milliseconds) { sound_on_speaker(hertz, milliseconds); }) {}
+sound_output::sound_output() : queue_([this](tone_request const& tones) { sound_on_speaker(tones); }) {}
 
 void sound_output::play_wave(std::size_t sound, tone_request const& tones) {
     shared_wave playing;
@@ -63,11 +62,16 @@ void sound_output::play_wave(std::size_t sound, tone_request const& tones) {
     card_.play(std::move(playing));
 }
 
-void sound_output::sound_on_speaker(int hertz, int milliseconds) {
-    auto const end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    if (sound_tone(hertz, milliseconds)) return;
-    // The card need not take its samples in real time, so the tone keeps its own.
-    if (card_.play_tone(wave_of({hertz, milliseconds, 0}))) std::this_thread::sleep_until(end);
+void sound_output::sound_on_speaker(tone_request const& tones) {
+    if (sound_tone(tones.hertz, tones.milliseconds)) {
+        if (tones.second_hertz != 0) sound_tone(tones.second_hertz, tones.milliseconds);
+        return;
+    }
+    // Both tones at once, so that no gap parts them. The card need not take its samples in real time; the
+    // tones keep their own.
+    auto const length = std::chrono::milliseconds(tones.milliseconds) * (tones.second_hertz != 0 ? 2 : 1);
+    auto const end = std::chrono::steady_clock::now() + length;
+    if (card_.play_tone(wave_of(tones))) std::this_thread::sleep_until(end);
 }
 
 void sound_output::end() {

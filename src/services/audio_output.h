@@ -32,7 +32,7 @@ public:
     static constexpr std::size_t sounds = 5;
 
 private:
-    void sound_on_speaker(int hertz, int milliseconds);
+    void sound_on_speaker(tone_request const& tones);
 
     std::mutex waves_guard_;
     std::array<shared_wave, sounds> waves_;  // each made when it is first played

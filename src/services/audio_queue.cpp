@@ -30,8 +30,7 @@ bool tone_queue::take(tone_request& request) {
 void tone_queue::work() {
     for (tone_request request; take(request);) {
         try {
-            sound_(request.hertz, request.milliseconds);
-            if (request.second_hertz != 0) sound_(request.second_hertz, request.milliseconds);
+            sound_(request);
         } catch (std::exception const&) {
             // Out of memory for a sound: this one stays silent.
         }

@@ -20,8 +20,8 @@ struct tone_request {
 /// is over.
 class tone_queue {
 public:
-    /// Sounds one tone and returns when it is over; called on the queue's thread only.
-    using sounder = std::function<void(int hertz, int milliseconds)>;
+    /// Sounds the tones of one request and returns when they are over; called on the queue's thread only.
+    using sounder = std::function<void(tone_request const&)>;
 
     /// Starts no thread yet; the first `put` does.
     explicit tone_queue(sounder sound) : sound_(std::move(sound)) {}
