@@ -41,17 +41,17 @@ struct wave_player::state {
     bool quit = false;
     bool has_ended = false;  // the thread has nothing left to do
     std::thread thread;
+    sound_card card;  // the thread's alone, used without the lock
 
     bool has_work() const { return quit || !mixer.is_idle(); }
     void work();
-    bool open(sound_card& card, std::unique_lock<std::mutex>& lock);
-    void play_all(sound_card& card, std::unique_lock<std::mutex>& lock);
-    bool write(sound_card& card, std::span<std::int16_t const> samples, std::unique_lock<std::mutex>& lock);
-    void play_out(sound_card& card, std::unique_lock<std::mutex>& lock);
+    bool open(std::unique_lock<std::mutex>& lock);
+    void play_all(std::unique_lock<std::mutex>& lock);
+    bool write(std::span<std::int16_t const> samples, std::unique_lock<std::mutex>& lock);
+    void play_out(std::unique_lock<std::mutex>& lock);
 };
 
 void wave_player::state::work() {
-    sound_card card;
     std::unique_lock lock(guard);
     while (!quit) {
         if (!has_work() && !card.is_open()) {
@@ -61,7 +61,7 @@ void wave_player::state::work() {
             card.close();
             lock.lock();
         } else if (!quit) {
-            play_all(card, lock);
+            play_all(lock);
         }
     }
     lock.unlock();
@@ -71,7 +71,7 @@ void wave_player::state::work() {
     changed.notify_all();
 }
 
-bool wave_player::state::open(sound_card& card, std::unique_lock<std::mutex>& lock) {
+bool wave_player::state::open(std::unique_lock<std::mutex>& lock) {
     lock.unlock();
     bool const is_open = card.open(wave_rate);
     lock.lock();
@@ -79,23 +79,22 @@ bool wave_player::state::open(sound_card& card, std::unique_lock<std::mutex>& lo
     return is_open;
 }
 
-void wave_player::state::play_all(sound_card& card, std::unique_lock<std::mutex>& lock) {
+void wave_player::state::play_all(std::unique_lock<std::mutex>& lock) {
     std::int16_t chunk[chunk_samples];
-    bool works = open(card, lock);
+    bool works = open(lock);
     auto const has_to_quit = [this] { return quit; };
     if (works) changed.wait_for(lock, gathering, has_to_quit);
     for (auto due = std::chrono::steady_clock::now(); works && !quit; due += chunk_length) {
         changed.wait_until(lock, due - lead, has_to_quit);
         std::size_t const n = mixer.mix(chunk);
-        if (n == 0) return play_out(card, lock);
-        works = write(card, {chunk, n}, lock);
+        if (n == 0) return play_out(lock);
+        works = write({chunk, n}, lock);
     }
     // A sound that found no card must not be heard when one comes.
     mixer.clear();
 }
 
-bool wave_player::state::write(sound_card& card, std::span<std::int16_t const> samples,
-                               std::unique_lock<std::mutex>& lock) {
+bool wave_player::state::write(std::span<std::int16_t const> samples, std::unique_lock<std::mutex>& lock) {
     for (int patience = patience_of_writes; !samples.empty() && !quit;) {
         lock.unlock();
         std::ptrdiff_t const written = card.write(samples);
@@ -108,7 +107,7 @@ bool wave_player::state::write(sound_card& card, std::span<std::int16_t const> s
     return true;
 }
 
-void wave_player::state::play_out(sound_card& card, std::unique_lock<std::mutex>& lock) {
+void wave_player::state::play_out(std::unique_lock<std::mutex>& lock) {
     bool silent = false;
     while (!quit && !silent) {
         lock.unlock();
