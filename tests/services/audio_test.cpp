@@ -235,9 +235,9 @@ TEST_F(AudioOnCard, PlaysWaveAndToneWithBothDevices) {
 
 // The tones keep their time although the card takes them at once: else all would find room in the queue.
 TEST_F(AudioOnCard, DropsTonesBeyondFiveWaiting) {
-    std::string commands = "d2 p3 s50";
-    for (int i = 0; i < 20; ++i) commands += " p3";
-    ASSERT_TRUE(succeeds(commands + " s2000"));
+    std::string commands = "d2 p3 s30";
+    for (int i = 0; i < 10; ++i) commands += " p3 s5";
+    ASSERT_TRUE(succeeds(commands + " s1800"));
     EXPECT_EQ(err, "");
     EXPECT_EQ(samples().size(), 6u * 200 * 48);
 }
