@@ -45,6 +45,11 @@ int carry_out(int n, char** commands) {
         if (letter == 'd') Audio::set_audio_device(static_cast<Audio::AudioDevice>(number));
         if (letter == 'g') std::cout << Audio::get_audio_device() << '\n';
         if (letter == 'p') Audio::FeedbackSound(static_cast<Audio::SoundType>(number));
+        if (letter == 'b') {  // in the background, until the process ends
+            std::thread([] {
+                while (true) Audio::FeedbackSound(Audio::high_tone);
+            }).detach();
+        }
         if (letter == 's') std::this_thread::sleep_for(std::chrono::milliseconds(number));
         if (letter == 't') std::cout << std::distance(fs::directory_iterator("/proc/self/task"), {}) << '\n';
         if (letter == 'r' || letter == 'w') {  // reads and writes the settings behind the sound's back
@@ -261,6 +266,7 @@ TEST_F(AudioOnCard, PlaysInAForkedChildToo) {
 }
 
 TEST_F(AudioOnCard, EndsInTimeWhileItPlaysAndWhenTheCardHangs) {
+    EXPECT_TRUE(succeeds("wInt+Ext b b b s50")) << err;
     for (std::string const device : {"d1", "d2", "d3", "d4"}) {
         EXPECT_TRUE(succeeds(device + " p3 p3 p3")) << err;  // at once
         EXPECT_TRUE(succeeds(device + " p3 p3 s70")) << err;
