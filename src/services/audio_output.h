@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <mutex>
 
 #include "services/audio_player.h"

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <span>
 #include <thread>
 #include <utility>
 
@@ -140,8 +141,9 @@ bool wave_player::play_tone(shared_wave sound) {
 
 bool wave_player::start() {
     if (state_->quit) return false;
-    if (!state_->thread.joinable())
+    if (!state_->thread.joinable()) {
         state_->thread = start_background_thread([kept = state_] { kept->work(); });
+    }
     return state_->thread.joinable();
 }
 

@@ -164,7 +164,8 @@ struct sound_case {
     int type, milliseconds, hertz, second_hertz;
 };
 constexpr sound_case sound_cases[] = {
-    {0, 40, 384, 0}, {1, 40, 512, 0}, {2, 80, 256, 0}, {3, 100, 512, 1024}, {4, 100, 384, 256},
+    {0, 40, 384, 0},    {1, 40, 512, 0}, {2, 80, 256, 0},  {3, 100, 512, 1024},
+    {4, 100, 384, 256}, {7, 40, 512, 0}, {-1, 40, 512, 0},
 };
 
 // The sound has its tones and length, can be heard, and neither starts, changes nor ends with a click.
@@ -192,17 +193,13 @@ TEST_F(AudioOnCard, HasTheTonesAndLengthsOfTheTableAndStandsInForAMissingSpeaker
             start_anew();
             ASSERT_TRUE(succeeds(device + " p" + std::to_string(c.type) + " s500")) << err;
             EXPECT_EQ(err, "");
-            expect_sound(samples(), c);
+            if (device == "d3" && (c.type < 0 || c.type > 4)) {
+                EXPECT_TRUE(samples().empty());  // a tone, but no wave
+            } else {
+                expect_sound(samples(), c);
+            }
         }
     }
-}
-
-TEST_F(AudioOnCard, OfAnotherValueIsAToneButNoWave) {
-    ASSERT_TRUE(succeeds("d2 p7 s300"));
-    expect_sound(samples(), {7, 40, 512, 0});
-    start_anew();
-    ASSERT_TRUE(succeeds("d3 p7 p-1 s300"));
-    EXPECT_TRUE(samples().empty());
 }
 
 TEST_F(AudioOnCard, CutsOffTheSoundBeforeButPlaysTonesInTurn) {

@@ -77,11 +77,21 @@ alsa_functions const* load_alsa() {
 // a fork waits until they are over, though not without limit: a sound server may hang.
 class fork_gate {
 public:
-    static inline std::mutex gate;
+    fork_gate() {
+        gate.lock();
+        is_mine = true;
+    }
+    fork_gate(fork_gate const&) = delete;
+    fork_gate& operator=(fork_gate const&) = delete;
+    ~fork_gate() {
+        is_mine = false;
+        gate.unlock();
+    }
 
 private:
     static void shut() {
         is_shut = false;
+        if (is_mine) return;  // a client of a sound server starts its server
         for (int tries = 0; tries < 500 && !is_shut; ++tries) {
             is_shut = gate.try_lock();
             if (!is_shut) std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -93,12 +103,14 @@ private:
     static void reopen_in_child() {
         if (is_shut) {
             gate.unlock();
-        } else {
+        } else if (!is_mine) {
             new (&gate) std::mutex;  // held by a thread that is not there
         }
     }
 
-    static inline thread_local bool is_shut = false;
+    static inline std::mutex gate;
+    static inline thread_local bool is_mine = false;  // this thread opens or closes
+    static inline thread_local bool is_shut = false;  // this thread forks and holds the gate for it
     static inline int const is_registered = ::pthread_atfork(shut, reopen_in_parent, reopen_in_child);
 };
 
@@ -151,7 +163,7 @@ bool sound_card::is_open() const {
 
 bool sound_card::open(int rate) {
     if (is_open()) return true;
-    std::lock_guard const lock(fork_gate::gate);
+    fork_gate const gate;
     connection_->alsa = load_alsa();
     if (!connection_->alsa) return false;
     // A default that somebody has set to bare hardware may know neither one channel nor this rate.
@@ -163,13 +175,13 @@ std::ptrdiff_t sound_card::write(std::span<std::int16_t const> samples) {
     pcm* const handle = connection_->handle;
     long const written = alsa.writei(handle, samples.data(), samples.size());
     if (written >= 0) return written;
-    if (written == -EAGAIN) {
+    if (written == -EAGAIN || written == -EINTR) {
         if (alsa.state(handle) == state_prepared) alsa.start(handle);
         alsa.wait(handle, wait_milliseconds);
         return 0;
     }
     // The card ran out of samples, or the machine slept.
-    bool const may_recover = written == -EPIPE || written == -ESTRPIPE || written == -EINTR;
+    bool const may_recover = written == -EPIPE || written == -ESTRPIPE;
     if (may_recover && alsa.prepare(handle) >= 0) return 0;
     close();
     return -1;
@@ -198,7 +210,7 @@ bool sound_card::is_played_out() {
 
 void sound_card::close() {
     if (!is_open()) return;
-    std::lock_guard const lock(fork_gate::gate);
+    fork_gate const gate;
     connection_->close();
 }
 
