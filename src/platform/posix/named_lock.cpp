@@ -94,7 +94,8 @@ bool fill_lock_file(lock_file& lock) {
 }
 
 bool size_and_fill(int file) {
-    if (!is_long_enough(file) && ::ftruncate(file, sizeof(lock_file)) != 0) return false;
+    // With its blocks: in a full shared memory, writing into a hole would end the process.
+    if (::posix_fallocate(file, 0, sizeof(lock_file)) != 0) return false;
     lock_file* const lock = map_lock_file(file);
     if (!lock) return false;
     bool const filled = lock->mark.load(std::memory_order_acquire) == complete_mark || fill_lock_file(*lock);
