@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <memory>
 
@@ -54,24 +55,43 @@ public:
     /// Takes the line of `key` out. False when the key is missing or no section is selected.
     virtual bool remove_value(wide_char const* key);
 
-    // The same for literals.
-    bool select_section(char16_t const* name, bool create) {
+    // The same for literals. Templates, so that a null pointer is no choice between two kinds of text.
+    template <std::same_as<char16_t> unit>
+    bool select_section(unit const* name, bool create) {
         return select_section(literal(name).c_str(), create);
     }
-    bool get_value(char16_t const* key, wide_string& value) { return get_value(literal(key).c_str(), value); }
-    bool set_value(char16_t const* key, char16_t const* value) {
+    template <std::same_as<char16_t> unit>
+    bool get_value(unit const* key, wide_string& value) {
+        return get_value(literal(key).c_str(), value);
+    }
+    template <std::same_as<char16_t> unit>
+    bool set_value(unit const* key, unit const* value) {
         return set_value(literal(key).c_str(), literal(value).c_str());
     }
-    bool set_value(char16_t const* key, wide_char const* value) {
+    template <std::same_as<char16_t> unit>
+    bool set_value(unit const* key, wide_char const* value) {
         return set_value(literal(key).c_str(), value);
     }
-    wide_string get_or_add_value(char16_t const* key, char16_t const* default_value) {
+    template <std::same_as<char16_t> unit>
+    bool set_value(wide_char const* key, unit const* value) {
+        return set_value(key, literal(value).c_str());
+    }
+    template <std::same_as<char16_t> unit>
+    wide_string get_or_add_value(unit const* key, unit const* default_value) {
         return get_or_add_value(literal(key).c_str(), literal(default_value).c_str());
     }
-    wide_string get_or_add_value(char16_t const* key, wide_char const* default_value) {
+    template <std::same_as<char16_t> unit>
+    wide_string get_or_add_value(unit const* key, wide_char const* default_value) {
         return get_or_add_value(literal(key).c_str(), default_value);
     }
-    bool remove_value(char16_t const* key) { return remove_value(literal(key).c_str()); }
+    template <std::same_as<char16_t> unit>
+    wide_string get_or_add_value(wide_char const* key, unit const* default_value) {
+        return get_or_add_value(key, literal(default_value).c_str());
+    }
+    template <std::same_as<char16_t> unit>
+    bool remove_value(unit const* key) {
+        return remove_value(literal(key).c_str());
+    }
 
 protected:
     wide_string file_name;

@@ -51,7 +51,7 @@ struct log_argument {
         if constexpr (meant == log_kind::integer) {
             is_signed = std::is_enum_v<T> || std::is_signed_v<T> || sizeof(T) < sizeof(int);
             size = sizeof(T) < sizeof(int) ? sizeof(int) : sizeof(T);
-            integer = static_cast<std::uint64_t>(value);
+            integer = static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
         } else if constexpr (meant == log_kind::real) {
             real = static_cast<double>(value);
         } else if constexpr (meant == log_kind::address) {

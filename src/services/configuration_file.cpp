@@ -11,7 +11,8 @@ inline namespace tvmath {
 bool read_settings(open_file& file, settings_text& found) {
     found = {};
     if (!file.is_open()) return false;
-    std::uint64_t units = file.size() / 2 + file.size() % 2;
+    std::uint64_t const bytes = file.size();
+    std::uint64_t units = bytes / 2 + bytes % 2;
     if (units >= std::numeric_limits<std::uint32_t>::max()) return false;
     if (units != 0) {
         --units;

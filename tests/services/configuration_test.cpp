@@ -112,8 +112,11 @@ TEST(Configuration, ChangesOnlyWhatItIsAskedTo) {
          [](Configuration& file) {
              EXPECT_FALSE(file.set_value(u"k", u"2"));
              EXPECT_TRUE(file.select_section(u"S", false));
-             EXPECT_FALSE(file.select_section(u"", true));
+             EXPECT_FALSE(file.select_section(u"", true) || file.select_section(nullptr, true));
              EXPECT_FALSE(file.set_value(u"k", u"2") || file.remove_value(u"k"));
+             EXPECT_TRUE(file.select_section(u"S", false));
+             EXPECT_FALSE(file.set_value(nullptr, u"2") || file.remove_value(nullptr));
+             EXPECT_FALSE(file.select_section(u"T", false));
              EXPECT_EQ(to_utf8(file.get_or_add_value(u"n", u"3")), "3");
          },
          "[S]\r\nk=1\r\n"},

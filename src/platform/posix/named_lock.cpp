@@ -72,12 +72,6 @@ lock_file* map_lock_file(int file) {
     return memory == MAP_FAILED ? nullptr : static_cast<lock_file*>(memory);
 }
 
-bool is_long_enough(int file) {
-    struct stat status {};
-    return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
-           status.st_size >= static_cast<off_t>(sizeof(lock_file));
-}
-
 bool fill_lock_file(lock_file& lock) {
     pthread_mutexattr_t kind;
     if (::pthread_mutexattr_init(&kind) != 0) return false;
@@ -94,7 +88,8 @@ bool fill_lock_file(lock_file& lock) {
 }
 
 bool size_and_fill(int file) {
-    if (!is_long_enough(file) && ::ftruncate(file, sizeof(lock_file)) != 0) return false;
+    // With its blocks: in a full shared memory, writing into a hole would end the process.
+    if (::posix_fallocate(file, 0, sizeof(lock_file)) != 0) return false;
     lock_file* const lock = map_lock_file(file);
     if (!lock) return false;
     bool const filled = lock->mark.load(std::memory_order_acquire) == complete_mark || fill_lock_file(*lock);
@@ -165,7 +160,8 @@ public:
         if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return;
         device_ = status.st_dev;
         number_ = status.st_ino;
-        if (!is_long_enough(file.get()) && !repair_lock_file(file.get())) return;
+        bool const is_whole = status.st_size >= static_cast<off_t>(sizeof(lock_file));
+        if (!is_whole && !repair_lock_file(file.get())) return;
         lock_ = map_lock_file(file.get());
         if (lock_ && lock_->mark.load(std::memory_order_acquire) != complete_mark &&
             !repair_lock_file(file.get())) {
