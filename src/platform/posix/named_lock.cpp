@@ -182,12 +182,10 @@ public:
 
     bool acquire() {
         int result = ::pthread_mutex_lock(&lock_->mutex);
-        if (result == EOWNERDEAD) {
-            // The holder died. What the lock guards is either whole or found damaged by those who read it.
-            result = ::pthread_mutex_consistent(&lock_->mutex);
-            times_held_ = 0;
-        }
+        // The holder died. What the lock guards is either whole or found damaged by those who read it.
+        if (result == EOWNERDEAD) result = ::pthread_mutex_consistent(&lock_->mutex);
         if (result != 0) return false;
+        if (owner_ != std::this_thread::get_id()) times_held_ = 0;  // whatever a dead holder left
         ++times_held_;
         owner_ = std::this_thread::get_id();
         return true;
