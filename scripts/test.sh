@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 preset=${1:-dev}
-scripts/build.sh "$preset" libgtest-dev
+scripts/build.sh "$preset" libgtest-dev libasound2
 log=build/$preset-tests.log
 echo "Testing (preset $preset, log in $log) ..."
 if ! ctest --preset "$preset" >"$log" 2>&1; then
