@@ -1,0 +1,104 @@
+#include "tvmath/iterative_lsf.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "iterative_solve.h"
+
+inline namespace tvmath {
+namespace geometry_fitter {
+namespace {
+
+constexpr int most_rounds = 30;
+constexpr double squared_tolerance = 1e-16;  // of a step, relative to all parameters
+constexpr double retreat = 0.1, retreat_stop = 10.0;
+
+// The Gauss-Newton step on the linearised constraints, from the bordered normal equations
+//     | N  Jt | | step       |     | gradient    |
+//     | J  0  | | multipliers| = - | constraints |
+bool next_step(IterativeLSF& model, std::vector<double> const& sums, vector& step) {
+    unsigned int const n = dim(model.parameters);
+    matrix jacobian;
+    vector const values = model.constraints(jacobian);
+    unsigned int const m = dim(values);
+    matrix bordered(n + m, n + m);
+    vector rhs(n + m);
+    double* const right = rhs.lazycopy_begin();
+    double const* sum = sums.data();
+    for (unsigned int i = 0; i < n; ++i) {
+        for (unsigned int j = i; j < n; ++j) bordered(i)(j) = bordered(j)(i) = *sum++;
+        right[i] = -*sum++;
+        bordered(i)(i) += model.damping(i);
+    }
+    for (unsigned int i = 0; i < m; ++i) {
+        for (unsigned int j = 0; j < n; ++j) bordered(n + i)(j) = bordered(j)(n + i) = jacobian[i][j];
+        right[n + i] = -values[i];
+    }
+    if (!rhs.times_inverse_of(std::move(bordered))) return false;
+    rhs.redim(n);
+    step = rhs;
+    return std::all_of(step.begin(), step.end(), [](double s) { return std::isfinite(s); });
+}
+
+}  // namespace
+
+bool iterate(IterativeLSF& model, product_sums const& sum) {
+    vector& parameters = model.parameters;
+    unsigned int const n = dim(parameters);
+    vector step(n), previous(n);
+    std::vector<double> sums(std::size_t{n + 1} * (n + 2) / 2);
+    double first_sse = 0.0, sse = 0.0;
+    for (int round = 1; round <= most_rounds; ++round) {
+        double const previous_sse = sse;
+        for (;;) {
+            std::fill(sums.begin(), sums.end(), 0.0);
+            sum(sums.data());
+            sse = sums.back();
+            if (std::isnan(sse)) return false;
+            // Exact: 0 is the mark of the first evaluation, and of a start that fits perfectly.
+            if (first_sse == 0.0 || sse < previous_sse) break;
+            // A step that has shrunk to nothing is kept, although the sum did not fall.
+            if (dot(step, step) <= retreat_stop * dot(previous, previous) * squared_tolerance) break;
+            step *= retreat;
+            parameters = previous + step;
+        }
+        if (first_sse == 0.0) first_sse = sse;
+        if (!next_step(model, sums, step)) return false;
+        previous = parameters;
+        parameters += step;
+        if (squared_tolerance * dot(parameters, parameters) > dot(step, step)) return true;
+        if (sse > first_sse) return false;  // diverging
+    }
+    return false;
+}
+
+IterativeLSF::~IterativeLSF() = default;
+
+vector IterativeLSF::constraints(matrix&) {
+    return vector();
+}
+
+double IterativeLSF::damping(unsigned int) {
+    return 0.0;
+}
+
+bool IterativeLSF::solve(std::vector<point> const& fit_points) {
+    return iterate(*this, [&](double* sums) {
+        unsigned int const n = dim(parameters);
+        vector row(n);
+        for (point const& p : fit_points) {
+            double const r = residual(p, row);
+            double const* const g = row.begin();
+            double* sum = sums;
+            for (unsigned int i = 0; i < n; ++i) {
+                for (unsigned int j = i; j < n; ++j) *sum++ += g[i] * g[j];
+                *sum++ += r * g[i];
+            }
+            *sum += r * r;
+        }
+    });
+}
+
+}  // namespace geometry_fitter
+}  // namespace tvmath
