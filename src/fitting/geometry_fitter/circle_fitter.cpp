@@ -10,10 +10,8 @@ inline namespace tvmath {
 namespace geometry_fitter {
 namespace {
 
-constexpr counting_rules rules = {.unknowns = 3,
-                                  .centered = {2, any_number},
-                                  .through = {1, any_number},
-                                  .tangent = {1, any_number}};
+constexpr counting_rules rules = {
+    .unknowns = 3, .centered = {2, any_number}, .through = {1, any_number}, .tangent = {1, any_number}};
 
 double radius_about(point const& center, constraint* list) {
     if (auto const* c = next_of<through_cnst>(list)) return distance2d(center, c->place);

@@ -121,8 +121,9 @@ bool starting_circle(circle_conditions const& known, planar_circle& start) {
     if (!known.touched.empty()) return starting_tangent_circle(known, start);
     point center;
     double radius = 0;
-    bool const found = known.through.empty() ? circle_quick_fit(known.fit, center, radius)
-                                             : algebraic_fit_through(known.fit, known.through, 2, center, radius);
+    bool const found = known.through.empty()
+                           ? circle_quick_fit(known.fit, center, radius)
+                           : algebraic_fit_through(known.fit, known.through, 2, center, radius);
     start = {center.x(), center.y(), radius};
     return found && start.is_usable();
 }

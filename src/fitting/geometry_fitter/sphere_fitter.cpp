@@ -14,10 +14,8 @@ inline namespace tvmath {
 namespace geometry_fitter {
 namespace {
 
-constexpr counting_rules rules = {.unknowns = 4,
-                                  .centered = {3, any_number},
-                                  .through = {1, any_number},
-                                  .tangent = {1, any_number}};
+constexpr counting_rules rules = {
+    .unknowns = 4, .centered = {3, any_number}, .through = {1, any_number}, .tangent = {1, any_number}};
 
 // Products of the rows (-dx / d, -dy / d, -dz / d, -1, d - radius) of all points about `start`.
 TVMATH_WIDE_LOOP void sum_sphere(std::vector<point> const& points, xyz const start, xyz const at,

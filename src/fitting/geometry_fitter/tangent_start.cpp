@@ -43,8 +43,8 @@ struct directed_line {
 // |k(a) + radius + slope a|, with k(a) = (k0 - 2 k1 a + k2 a²) / 2.
 struct pencil {
     directed_line axis;
-    double k0 = 0, k1 = 0, k2 = 0;      // centres off the axis: circles that touch it
-    double radius = 0, slope = 0;       // centres on the axis: circles that touch two lines alike
+    double k0 = 0, k1 = 0, k2 = 0;  // centres off the axis: circles that touch it
+    double radius = 0, slope = 0;   // centres on the axis: circles that touch two lines alike
 
     struct coefficients {
         double a, b, c;
