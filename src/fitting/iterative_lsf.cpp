@@ -41,7 +41,57 @@ bool next_step(IterativeLSF& model, std::vector<double> const& sums, vector& ste
     return std::all_of(step.begin(), step.end(), [](double s) { return std::isfinite(s); });
 }
 
+std::vector<double> sums_at_present(IterativeLSF const& model, product_sums const& sum) {
+    std::size_t const n = dim(model.parameters);
+    std::vector<double> sums((n + 1) * (n + 2) / 2);
+    sum(sums.data());
+    return sums;
+}
+
+// Brings the parameters onto the constraints, by Newton's steps of least length.
+void restore(IterativeLSF& model) {
+    for (int i = 0; i < 20; ++i) {
+        matrix inverse;
+        vector const values = model.constraints(inverse);
+        if (!inverse.under_constrained_inverse()) return;
+        vector const step = inverse * values;
+        model.parameters -= step;
+        if (!(dot(step, step) > 1e-32 * dot(model.parameters, model.parameters))) return;
+    }
+}
+
+// Gauss-Newton steps that end on the constraints, shortened until the sum of squares falls, as far as they
+// lead.
+void approach_on_constraints(IterativeLSF& model, product_sums const& sum) {
+    restore(model);
+    std::vector<double> sums = sums_at_present(model, sum);
+    vector step;
+    for (int round = 0; round < 100 && next_step(model, sums, step); ++round) {
+        vector const from = model.parameters;
+        double const sse = sums.back();
+        for (double part = 1; part > 1e-6; part /= 4) {
+            model.parameters = from + part * step;
+            restore(model);
+            sums = sums_at_present(model, sum);
+            if (sums.back() < sse) break;
+        }
+        if (!(sums.back() < sse)) {
+            model.parameters = from;
+            return;
+        }
+        if (dot(step, step) < 1e-20 * dot(from, from)) return;
+    }
+}
+
 }  // namespace
+
+bool iterate_on_curved_constraints(IterativeLSF& model, product_sums const& sum) {
+    vector const start = model.parameters;
+    if (iterate(model, sum)) return true;
+    model.parameters = start;
+    approach_on_constraints(model, sum);
+    return iterate(model, sum);
+}
 
 bool iterate(IterativeLSF& model, product_sums const& sum) {
     vector& parameters = model.parameters;

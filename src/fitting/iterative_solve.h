@@ -17,5 +17,10 @@ using product_sums = std::function<void(double* sums)>;
 /// bits as `residual`.
 bool iterate(IterativeLSF& model, product_sums const& sum);
 
+/// The same, and when it fails again from a better start. The iteration judges a step by the sum of squares
+/// alone, and a step along a curved constraint can lower it by leaving the constraint: the way back then
+/// looks like a failure. The better start is found by steps that end on the constraints.
+bool iterate_on_curved_constraints(IterativeLSF& model, product_sums const& sum);
+
 }  // namespace geometry_fitter
 }  // namespace tvmath

@@ -170,7 +170,9 @@ void consider_bisector(directed_line const& first, directed_line const& second, 
     double const s1 = first.across(middle.x(), middle.y()), s2 = sign * second.across(middle.x(), middle.y());
     // Normal of the bisector: the gradient of the difference of the two.
     double const nx = -first.ey + sign * second.ey, ny = first.ex - sign * second.ex, n = std::hypot(nx, ny);
-    if (!(n > 0)) return;  // of parallel lines only one bisector exists
+    // Of parallel lines only one bisector exists. The other is sought no farther than 1e8 times the distance
+    // of the lines: beyond, no digit of a circle there would be true.
+    if (!(n > 1e-8)) return;
     pencil circles{first};
     circles.axis.x = middle.x() - (s1 - s2) / n * (nx / n);
     circles.axis.y = middle.y() - (s1 - s2) / n * (ny / n);
