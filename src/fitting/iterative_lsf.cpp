@@ -41,6 +41,46 @@ bool next_step(IterativeLSF& model, std::vector<double> const& sums, vector& ste
     return std::all_of(step.begin(), step.end(), [](double s) { return std::isfinite(s); });
 }
 
+// Lengths of the last two steps, relative to the parameters.
+struct last_steps {
+    double before = 1, last = 1;
+
+    // At a linear rate of convergence.
+    double left() const { return last * (last / before); }
+};
+
+bool iterate(IterativeLSF& model, product_sums const& sum, last_steps& steps) {
+    vector& parameters = model.parameters;
+    unsigned int const n = dim(parameters);
+    vector step(n), previous(n);
+    std::vector<double> sums(std::size_t{n + 1} * (n + 2) / 2);
+    double first_sse = 0.0, sse = 0.0;
+    for (int round = 1; round <= most_rounds; ++round) {
+        double const previous_sse = sse;
+        for (;;) {
+            std::fill(sums.begin(), sums.end(), 0.0);
+            sum(sums.data());
+            sse = sums.back();
+            if (std::isnan(sse)) return false;
+            // Exact: 0 is the mark of the first evaluation, and of a start that fits perfectly.
+            if (first_sse == 0.0 || sse < previous_sse) break;
+            // A step that has shrunk to nothing is kept, although the sum did not fall.
+            if (dot(step, step) <= retreat_stop * dot(previous, previous) * squared_tolerance) break;
+            step *= retreat;
+            parameters = previous + step;
+        }
+        if (first_sse == 0.0) first_sse = sse;
+        if (!next_step(model, sums, step)) return false;
+        previous = parameters;
+        parameters += step;
+        double const size = dot(parameters, parameters), moved = dot(step, step);
+        steps = {steps.last, std::sqrt(moved / size)};
+        if (squared_tolerance * size > moved) return true;
+        if (sse > first_sse) return false;  // diverging
+    }
+    return false;
+}
+
 std::vector<double> sums_at_present(IterativeLSF const& model, product_sums const& sum) {
     std::size_t const n = dim(model.parameters);
     std::vector<double> sums((n + 1) * (n + 2) / 2);
@@ -85,42 +125,23 @@ void approach_on_constraints(IterativeLSF& model, product_sums const& sum) {
 
 }  // namespace
 
-bool iterate_on_curved_constraints(IterativeLSF& model, product_sums const& sum) {
-    vector const start = model.parameters;
-    if (iterate(model, sum)) return true;
-    model.parameters = start;
-    approach_on_constraints(model, sum);
-    return iterate(model, sum);
-}
-
-bool iterate(IterativeLSF& model, product_sums const& sum) {
-    vector& parameters = model.parameters;
-    unsigned int const n = dim(parameters);
-    vector step(n), previous(n);
-    std::vector<double> sums(std::size_t{n + 1} * (n + 2) / 2);
-    double first_sse = 0.0, sse = 0.0;
-    for (int round = 1; round <= most_rounds; ++round) {
-        double const previous_sse = sse;
-        for (;;) {
-            std::fill(sums.begin(), sums.end(), 0.0);
-            sum(sums.data());
-            sse = sums.back();
-            if (std::isnan(sse)) return false;
-            // Exact: 0 is the mark of the first evaluation, and of a start that fits perfectly.
-            if (first_sse == 0.0 || sse < previous_sse) break;
-            // A step that has shrunk to nothing is kept, although the sum did not fall.
-            if (dot(step, step) <= retreat_stop * dot(previous, previous) * squared_tolerance) break;
-            step *= retreat;
-            parameters = previous + step;
-        }
-        if (first_sse == 0.0) first_sse = sse;
-        if (!next_step(model, sums, step)) return false;
-        previous = parameters;
-        parameters += step;
-        if (squared_tolerance * dot(parameters, parameters) > dot(step, step)) return true;
-        if (sse > first_sse) return false;  // diverging
+bool solve_model(IterativeLSF& model, product_sums const& sum, bool curved_constraints) {
+    vector best = model.parameters;
+    last_steps steps;
+    bool solved = iterate(model, sum, steps);
+    if (!solved && curved_constraints) {
+        model.parameters = best;
+        approach_on_constraints(model, sum);
+        solved = iterate(model, sum, steps);
     }
-    return false;
+    if (!solved) return false;
+    for (int more = 0; more < 6 && steps.left() > 1e-13; ++more) {
+        best = model.parameters;
+        if (iterate(model, sum, steps)) continue;
+        model.parameters = best;
+        break;
+    }
+    return true;
 }
 
 IterativeLSF::~IterativeLSF() = default;
@@ -134,20 +155,22 @@ double IterativeLSF::damping(unsigned int) {
 }
 
 bool IterativeLSF::solve(std::vector<point> const& fit_points) {
-    return iterate(*this, [&](double* sums) {
+    last_steps steps;
+    auto const sum = [&](double* sums) {
         unsigned int const n = dim(parameters);
         vector row(n);
         for (point const& p : fit_points) {
             double const r = residual(p, row);
             double const* const g = row.begin();
-            double* sum = sums;
+            double* to = sums;
             for (unsigned int i = 0; i < n; ++i) {
-                for (unsigned int j = i; j < n; ++j) *sum++ += g[i] * g[j];
-                *sum++ += r * g[i];
+                for (unsigned int j = i; j < n; ++j) *to++ += g[i] * g[j];
+                *to++ += r * g[i];
             }
-            *sum += r * r;
+            *to += r * r;
         }
-    });
+    };
+    return iterate(*this, sum, steps);
 }
 
 }  // namespace geometry_fitter

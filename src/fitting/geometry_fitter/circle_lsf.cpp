@@ -81,8 +81,8 @@ public:
     }
 
     bool solve_all() {
-        auto const solver = known_.through.empty() ? iterate : iterate_on_curved_constraints;
-        return solver(*this, [this](double* sums) { sum_circle(known_.fit, start_, present(), sums); });
+        auto const sum = [this](double* sums) { sum_circle(known_.fit, start_, present(), sums); };
+        return solve_model(*this, sum, !known_.through.empty());
     }
 
     planar_circle present() const { return {parameters[0], parameters[1], parameters[2]}; }

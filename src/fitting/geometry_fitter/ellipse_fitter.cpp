@@ -80,8 +80,8 @@ public:
     }
 
     bool solve_all() {
-        return iterate(*this,
-                       [this](double* sums) { sum_ellipse(fit_, start_.x(), start_.y(), present(), sums); });
+        auto const sum = [this](double* sums) { sum_ellipse(fit_, start_.x(), start_.y(), present(), sums); };
+        return solve_model(*this, sum);
     }
 
     walked_ellipse present() const {

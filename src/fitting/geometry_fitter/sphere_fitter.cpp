@@ -78,11 +78,11 @@ public:
     }
 
     bool solve_all() {
-        auto const solver = through_.empty() ? iterate : iterate_on_curved_constraints;
-        return solver(*this, [this](double* sums) {
+        auto const sum = [this](double* sums) {
             xyz const at(parameters[0], parameters[1], parameters[2]);
             sum_sphere(fit_, start_, at, parameters[3], sums);
-        });
+        };
+        return solve_model(*this, sum, !through_.empty());
     }
 
 private:
