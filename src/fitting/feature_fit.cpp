@@ -3,9 +3,9 @@
 #include <cmath>
 #include <span>
 
-#include "distinct_points.h"
 #include "geometry/extent.h"
 #include "geometry/xyz.h"
+#include "point_lists.h"
 #include "tvmath/geometry_fitter.h"
 #include "tvmath/quick_fit.h"
 

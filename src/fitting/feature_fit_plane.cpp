@@ -1,11 +1,10 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <span>
 
-#include "distinct_points.h"
 #include "geometry/extent.h"
 #include "geometry/xyz.h"
+#include "point_lists.h"
 #include "tvmath/feature_fit.h"
 #include "tvmath/matrix.h"
 #include "tvmath/quick_fit.h"
@@ -39,17 +38,6 @@ moments moments_about(xyz const& center, xyz const (&axes)[3], point_span points
     return m;
 }
 
-double largest_coordinate(xyz const& q) {
-    return std::max({std::fabs(q.x), std::fabs(q.y), std::fabs(q.z)});
-}
-
-// What the coordinates themselves may be off by: a few roundings of the largest one.
-double coordinate_rounding(xyz const& center, point_span points) {
-    double most = largest_coordinate(center);
-    for (point const& p : points) most = std::max(most, largest_coordinate(xyz(p)));
-    return 4 * std::numeric_limits<double>::epsilon() * most;
-}
-
 // The principal axes of the points about `center`, the normal of their plane as the last one. A narrow strip
 // has moments across it that are lost in the rounding of those along it (the scatter matrix squares the ratio
 // of length to width), and the axes with them. Seen along these axes the moments are graded and keep their
@@ -58,10 +46,10 @@ double coordinate_rounding(xyz const& center, point_span points) {
 // (1992) 1204-1245.
 //
 // Null when the points lie on one line as far as their coordinates can tell.
-point refined_normal(xyz const& center, xyz const (&axes)[3], point_span points) {
-    moments const m = moments_about(center, axes, points);
+point refined_normal(point const& center, xyz const (&axes)[3], point_span points) {
+    moments const m = moments_about(xyz(center), axes, points);
     double const difference = m.vv - m.ww, h = std::hypot(difference, 2 * m.vw), across = m.vv + m.ww + h;
-    double const rounding = coordinate_rounding(center, points);
+    double const rounding = std::max(coordinate_rounding({&center, 1}), coordinate_rounding(points));
     if (!(across > 2 * rounding * rounding * static_cast<double>(points.size()))) return point();
     xyz normal = axes[2];
     // A cloud that is nearly round across its longest axis has no better normal than the one it got.
@@ -78,8 +66,7 @@ point refined_normal(xyz const& center, xyz const (&axes)[3], point_span points)
 // matrix, the first one of equals. Null for fewer than 2 points, a 2D centre, and points on one line.
 point plane_normal_fit(point const& center, point_span points) {
     if (points.size() < 2 || !center.is_3d()) return point();
-    xyz const c(center);
-    moments const m = moments_about(c, {xyz(1, 0, 0), xyz(0, 1, 0), xyz(0, 0, 1)}, points);
+    moments const m = moments_about(xyz(center), {xyz(1, 0, 0), xyz(0, 1, 0), xyz(0, 0, 1)}, points);
     double const trace = m.uu + m.vv + m.ww;
     if (!std::isfinite(trace)) return point();
     double const rows[3][3] = {{m.uu, m.uv, m.wu}, {m.uv, m.vv, m.vw}, {m.wu, m.vw, m.ww}};
@@ -95,7 +82,7 @@ point plane_normal_fit(point const& center, point_span points) {
     if (values[i] == 0.0 || values[j] == 0.0) return point();
     if (values[i] < values[j]) std::swap(i, j);
     auto const column = [&v](unsigned int n) { return xyz(v[0][n], v[1][n], v[2][n]); };
-    return refined_normal(c, {column(i), column(j), column(k)}, points);
+    return refined_normal(center, {column(i), column(j), column(k)}, points);
 }
 
 // In the sense that makes the component of largest size positive, the first one of nearly equal ones: the

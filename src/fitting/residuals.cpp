@@ -135,7 +135,12 @@ unsigned int calculate_errors(Ellipse_Description const& feature, point_list con
     point major = feature.geometry.basis(1), minor = feature.geometry.basis(2);
     orthogonalize_ellipse(major, minor);
     double const a = major.length3d(), b = minor.length3d();
-    xyz const u(normalize(major)), v(normalize(minor));
+    if (a == 0.0 && b == 0.0) {  // a point, seen from which no direction is special
+        measure_round(feature.geometry, points, errors);
+        return 5;
+    }
+    unit_axes const axes = unit_axes_of(make_transform(point(), major, minor, feature.geometry.basis(3)));
+    xyz const u(axes.u), v(axes.v);
     measure(points, feature.geometry.basis(0), errors, [=](xyz const& d) {
         double const x = dot(d, u), y = dot(d, v);
         double const deviation = walk_to_ellipse(x, y, a, b).deviation(x, y, a, b);

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <span>
 
-#include "tvmath/point.h"
+#include "geometry/xyz.h"
 
 inline namespace tvmath {
 
@@ -21,6 +23,17 @@ inline unsigned int count_distinct(std::span<point const> points, unsigned int n
         kept[count - 1] = points[i];
     }
     return count;
+}
+
+/// What the coordinates of the points may be off by: a few roundings of the largest one. Points that differ
+/// by no more lie in one place as far as can be told.
+inline double coordinate_rounding(std::span<point const> points) {
+    double most = 0;
+    for (point const& p : points) {
+        xyz const q(p);
+        most = std::max({most, std::fabs(q.x), std::fabs(q.y), std::fabs(q.z)});
+    }
+    return 4 * std::numeric_limits<double>::epsilon() * most;
 }
 
 }  // namespace tvmath
