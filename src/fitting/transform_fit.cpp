@@ -51,32 +51,33 @@ pair_list usable_pairs(idioms::array<point> const& from, idioms::array<point> co
 
 // Moves the locations so that their weighted centroid is the origin, and returns where it was. The second
 // round takes away what the rounding of the first sum has left.
-template <int n>
+template <unsigned int n>
 point center_locations(pair_list& list, double (weighted_pair::*side)[3]) {
     double center[3] = {};
     for (int round = 0; round < 2; ++round) {
         double sum[3] = {};
         for (weighted_pair const& pair : list.pairs) {
-            for (int k = 0; pair.located && k < n; ++k) sum[k] += pair.weight * ((pair.*side)[k] - center[k]);
+            for (unsigned int k = 0; pair.located && k < n; ++k)
+                sum[k] += pair.weight * ((pair.*side)[k] - center[k]);
         }
-        for (int k = 0; k < n; ++k) center[k] += sum[k] / list.located_weight;
+        for (unsigned int k = 0; k < n; ++k) center[k] += sum[k] / list.located_weight;
     }
     for (weighted_pair& pair : list.pairs) {
-        for (int k = 0; pair.located && k < n; ++k) (pair.*side)[k] -= center[k];
+        for (unsigned int k = 0; pair.located && k < n; ++k) (pair.*side)[k] -= center[k];
     }
     return n == 2 ? point(true, center[0], center[1]) : point(true, center[0], center[1], center[2]);
 }
 
 // Adds to `normal` the weighted products of the coordinates before the map, and to `right` those with what
 // the map `linear` still leaves of the coordinates after it.
-template <int n>
+template <unsigned int n>
 void accumulate(pair_list const& list, double const (&linear)[n][n], double (&normal)[n][n],
                 double (&right)[n][n]) {
     for (weighted_pair const& pair : list.pairs) {
-        for (int r = 0; r < n; ++r) {
+        for (unsigned int r = 0; r < n; ++r) {
             double left = pair.to[r];
-            for (int k = 0; k < n; ++k) left -= linear[r][k] * pair.from[k];
-            for (int k = 0; k < n; ++k) {
+            for (unsigned int k = 0; k < n; ++k) left -= linear[r][k] * pair.from[k];
+            for (unsigned int k = 0; k < n; ++k) {
                 normal[r][k] += pair.weight * pair.from[r] * pair.from[k];
                 right[r][k] += pair.weight * left * pair.from[k];
             }
@@ -84,7 +85,7 @@ void accumulate(pair_list const& list, double const (&linear)[n][n], double (&no
     }
 }
 
-template <int n>
+template <unsigned int n>
 matrix as_matrix(double const (&a)[n][n]) {
     matrix m(n, n);
     for (unsigned int r = 0; r < n; ++r) m.row(r, vector(n, a[r]));
@@ -104,7 +105,7 @@ bool spans_all(matrix const& normal, double least_square) {
 
 // With the offset eliminated, which carries one centroid to the other. The error of the normal equations, the
 // condition squared times the rounding, shrinks by that factor in each round on the residuals.
-template <int n>
+template <unsigned int n>
 bool fit_linear(pair_list const& list, double rounding, double (&linear)[n][n]) {
     for (int round = 0; round < 3; ++round) {
         double normal[n][n] = {}, right[n][n] = {};
@@ -120,7 +121,7 @@ bool fit_linear(pair_list const& list, double rounding, double (&linear)[n][n]) 
     return true;
 }
 
-template <int n>
+template <unsigned int n>
 transform fit_affine(idioms::array<point> const& from, idioms::array<point> const& to,
                      idioms::array<double> const& weights) {
     unsigned int const size = from.capacity();
@@ -134,8 +135,8 @@ transform fit_affine(idioms::array<point> const& from, idioms::array<point> cons
     if (!fit_linear<n>(list, coordinate_rounding({from.begin(), from.end()}), linear)) return transform();
     idioms::array<double> block(2 * n * (n + 1));
     double* const m = block.lazycopy_begin();
-    for (int r = 0; r < n; ++r) {
-        for (int k = 0; k < n; ++k) m[r * (n + 1) + k + 1] = linear[r][k];
+    for (unsigned int r = 0; r < n; ++r) {
+        for (unsigned int k = 0; k < n; ++k) m[r * (n + 1) + k + 1] = linear[r][k];
     }
     transform about_centroids(block);
     if (!about_centroids.fill_in_inverse()) return transform();
