@@ -14,22 +14,20 @@ inline namespace tvmath {
 // the origin.
 //
 // - Point (1): the distance in space, never negative.
-// - Segment (2): the distance in XY from the infinite line, positive on the side of its second axis.
+// - Segment (2): the distance from the infinite line along its second axis, positive on that side.
 // - Circle, Arc (3): the distance in XY from the whole circle.
 // - Plane (3): the distance from the infinite plane, positive on the side of its normal.
 // - Gap (3): the distance from the nearer of its two infinite sides, positive beyond them.
-// - Sphere (4), Cylinder (5), Cone (6): the distance from the surface, of the latter two without their ends;
-// a
-//   point on the axis of a cylinder gives minus its radius. At the apex of a cone the deviation is 0, and on
-//   its axis it is the distance from the slant.
-// - Slot (4), Rectangle (5): the distance from the outline; inside a rectangle that from the nearer pair of
-//   sides, beyond a side by the pair that is nearer in size, beyond a corner that from the corner.
-// - Ellipse (5): the distance from the ellipse in its plane, by the same two rounds of a walk to the foot
-// that
-//   the fit makes: exact for points near the ellipse, an approximation for points far from it.
-// - O-ring (as many as both outlines have coefficients): along the ray from the centre, from the outline that
-//   is nearer in size.
-// - Angle (4): the distance from the infinite leg that is nearer in size, positive inside the angle.
+// - Sphere (4), Cylinder (5), Cone (6): the distance from the surface, of the last two without their
+//   ends. A point on the axis of a cylinder gives minus its radius; the apex of a cone gives 0.
+// - Slot (4): the distance from the outline.
+// - Rectangle (5): beyond a corner the distance from it, elsewhere that from the pair of sides, as infinite
+//   lines, which is nearer.
+// - Ellipse (5): the distance from the ellipse in its plane, by two rounds of the walk to the foot that the
+//   fit makes: exact for points near the ellipse, an approximation for points far from it.
+// - O-ring (as many as both outlines have coefficients): the distance along the ray from the centre, from the
+//   nearer outline.
+// - Angle (4): the distance from the nearer of the two infinite legs, positive inside the angle.
 //
 // A null feature is measured as its unit shape with lengths of 0.
 
