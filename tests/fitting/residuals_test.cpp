@@ -21,147 +21,73 @@ kind record_of(shape const& s) {
     return record;
 }
 
-Arc_Description arc_record(circle const& c) {
-    Arc_Description record;
-    record.circle = c;
-    return record;
+struct judged {
+    point place;
+    double error;
+};
+
+void expect(Geometry_Description const& feature, unsigned int parameters, std::vector<judged> const& cases) {
+    SCOPED_TRACE(feature.type());
+    point_list points;
+    for (judged const& c : cases) points.push_back(c.place);
+    std::vector<double> errors(17, 42.0);
+    ASSERT_EQ(calculate_errors(feature, feature.type(), points, errors), parameters);
+    ASSERT_EQ(errors.size(), cases.size());
+    for (std::size_t i = 0; i < errors.size(); ++i) EXPECT_NEAR(errors[i], cases[i].error, 4e-15) << i;
 }
 
-Point_Description point_record(point const& p) {
-    Point_Description record;
-    record.position = p;
-    return record;
-}
-
-// Vertex at (1, 2), legs at 0 and 90 degrees, drawn with a dimension radius of 4.
-Angle_Description right_angle() {
-    Angle_Description record;
-    record.arc = circle(4, at(1, 2));
-    record.included_angle = pi / 2;
-    return record;
-}
-
-ORing_Description oring() {
-    ORing_Description record;
-    record.placement = transform(10, 0).rotate(pi / 2);  // centre at (0, 10), its X along +Y
-    record.inner = ring(2);
+TEST(CalculateErrors, GivesDeviationsInThePlaneWorkedByHand) {
+    Point_Description place;
+    place.position = at(1, 2, 3);
+    expect(place, 1, {{at(1, 2, 3), 0}, {at(2, 4, 1), 3}});
+    // Left of the direction is positive, beyond the ends too.
+    expect(record_of<Segment_Description>(line(at(0, 0), at(4, 0))), 2, {{at(1, 3), 3}, {at(9, -2, 7), -2}});
+    circle const round(5, at(1, 1));
+    expect(record_of<Circle_Description>(round), 3, {{at(1, 1), -5}, {at(4, 5, 9), 0}, {at(7, 9), 5}});
+    Arc_Description arc;
+    arc.circle = round;
+    expect(arc, 3, {{at(4, 5), 0}, {at(-5, -7), 5}});
+    expect(record_of<Gap_Description>(gap(8, 6, 0, at(0, 1))), 3,
+           {{at(0, 1), -3}, {at(99, 5), 1}, {at(0, -2), 0}});
+    // Along Y: end centres at (1, -2) and (1, 4), radius 2.
+    expect(record_of<Slot_Description>(slot(5, 2, pi / 2, at(1, 1))), 4,
+           {{at(1, 1), -2}, {at(4, 0), 1}, {at(1, 9), 3}, {at(-2, -6), 3}, {at(4, 4), 1}});
+    expect(record_of<Slot_Description>(slot(2, 2, 0, at(0, 0))), 4, {{at(3, 4), 3}});
+    // Its centre is nearest to an end of the shorter axis.
+    expect(record_of<Ellipse_Description>(ellipse(5, 3, pi / 2, at(1, 0))), 5,
+           {{at(1, 0), -3}, {at(1, 7), 2}, {at(5, 0), 1}, {at(1, -5), 0}, {at(-1, 0), -1}});
+    expect(record_of<Ellipse_Description>(ellipse(2, 0, at(0, 0))), 5, {{at(1, 3), 3}, {at(5, 4), 5}});
+    // Beyond a corner the corner counts, elsewhere the smaller of both.
+    expect(record_of<Rectangle_Description>(rectangle(6, 4, 0, at(10, 0))), 5,
+           {{at(10, 0), -2}, {at(16, 6), 5}, {at(10, 3), 1}, {at(13, 1), 0}, {at(12.5, -1), -0.5}});
+    Angle_Description angle;  // vertex at (1, 2), legs along +X and +Y, drawn with a dimension radius of 4
+    angle.arc = circle(4, at(1, 2));
+    angle.included_angle = pi / 2;
+    expect(angle, 4, {{at(1, 2), 0}, {at(4, 3), 1}, {at(2, 9), 1}, {at(-1, 9), -2}, {at(3, 4), 2}});
+    ORing_Description oring;
+    oring.placement = transform(10, 0).rotate(pi / 2);  // centre at (0, 10), its X along +Y
+    oring.inner = ring(2);
     double const lobed[] = {5, 0, 0, 1, 0};  // 5 + cos 2a
-    record.outer = ring(idioms::array<double>(5, lobed));
-    return record;
+    oring.outer = ring(idioms::array<double>(5, lobed));
+    expect(oring, 8, {{at(0, 13), 1}, {at(0, 17), 1}, {at(5, 10), 1}, {at(0, 14), -2}});
 }
 
-TEST(CalculateErrors, GivesDeviationsWorkedByHand) {
-    transform const upright = make_transform(at(5, 5, 5), point(false, 0, 1, 0), point(false, 0, 0, 1),
-                                             point(false, 3, 0, 0));  // Z axis along X, 3 long
-    auto const in_plane = record_of<Plane_Description>(plane(at(0, 0, 2), point(false, 0, 3, 4)));
-    auto const tilted = record_of<Slot_Description>(slot(5, 2, pi / 2, at(1, 1)));
-    auto const box = record_of<Rectangle_Description>(rectangle(6, 4, 0, at(10, 0)));
-    auto const frustum = record_of<Cone_Description>(cone(at(0, 0, 0), at(0, 0, 4), 5, 2));
-    struct {
-        char const* name;
-        ctl::ref<Geometry_Description> feature;
-        unsigned int parameters;
-        point_list points;
-        std::vector<double> errors;
-    } const cases[] = {
-        {"point",
-         ctl::make_ref<Point_Description>(point_record(at(1, 2, 3))),
-         1,
-         {at(1, 2, 3), at(2, 4, 1)},
-         {0, 3}},
-        // From (0, 0) to (4, 0): left of the direction is positive, beyond the ends too.
-        {"segment",
-         ctl::make_ref<Segment_Description>(record_of<Segment_Description>(line(at(0, 0), at(4, 0)))),
-         2,
-         {at(1, 3), at(9, -2, 7)},
-         {3, -2}},
-        {"circle",
-         ctl::make_ref<Circle_Description>(record_of<Circle_Description>(circle(5, at(1, 1)))),
-         3,
-         {at(1, 1), at(4, 5, 9), at(7, 9)},
-         {-5, 0, 5}},
-        {"arc",
-         ctl::make_ref<Arc_Description>(arc_record(circle(5, at(1, 1)))),
-         3,
-         {at(4, 5), at(-5, -7)},
-         {0, 5}},
-        {"plane",
-         ctl::make_ref<Plane_Description>(in_plane),
-         3,
-         {at(9, 0, 2), at(0, 5, 12), at(0, 0, 0)},
-         {0, 11, -1.6}},
-        {"gap",
-         ctl::make_ref<Gap_Description>(record_of<Gap_Description>(gap(8, 6, 0, at(0, 1)))),
-         3,
-         {at(0, 1), at(99, 5), at(0, -2)},
-         {-3, 1, 0}},
-        {"sphere",
-         ctl::make_ref<Sphere_Description>(record_of<Sphere_Description>(sphere(3, at(0, 0, 1)))),
-         4,
-         {at(0, 0, 1), at(2, 1, 3), at(4, 4, 8)},
-         {-3, 0, 6}},
-        // Along Y: end centres at (1, -2) and (1, 4), radius 2.
-        {"slot",
-         ctl::make_ref<Slot_Description>(tilted),
-         4,
-         {at(1, 1), at(4, 0), at(1, 9), at(-2, -6), at(4, 4)},
-         {-2, 1, 3, 3, 1}},
-        // The centre is nearest to the end of the shorter axis; on the axes the distance is that to their
-        // ends.
-        {"ellipse",
-         ctl::make_ref<Ellipse_Description>(record_of<Ellipse_Description>(ellipse(5, 3, pi / 2, at(1, 0)))),
-         5,
-         {at(1, 0), at(1, 7), at(5, 0), at(1, -5), at(-1, 0)},
-         {-3, 2, 1, 0, -1}},
-        // Inside the nearer side counts, beyond a corner the corner, elsewhere the smaller of both.
-        {"rectangle",
-         ctl::make_ref<Rectangle_Description>(box),
-         5,
-         {at(10, 0), at(16, 6), at(10, 3), at(13, 1), at(12.5, -1)},
-         {-2, 5, 1, 0, -0.5}},
-        {"cylinder",
-         ctl::make_ref<Cylinder_Description>(record_of<Cylinder_Description>(cylinder(upright))),
-         5,
-         {at(5, 5, 5), at(99, 5, 5), at(-7, 8, 9)},
-         {-1, -1, 4}},
-        // The slant line falls by 3 over 4; (2, 0, 4) is on it, (0, 0, 0) 5 * 4/5 from it, the apex at z =
-        // 20/3.
-        {"cone",
-         ctl::make_ref<Cone_Description>(frustum),
-         6,
-         {at(0, 2, 4), at(0, 0, 0), at(8, 4, 4), at(0, 0, 20.0 / 3)},
-         {0, -4, (std::sqrt(80.0) - 2) * 0.8, 0}},
-        // (0, 13) is 3 along the placement's X: 1 from the inner, -3 from the outer ring.
-        {"o-ring",
-         ctl::make_ref<ORing_Description>(oring()),
-         8,
-         {at(0, 13), at(0, 17), at(5, 10), at(0, 14)},
-         {1, 1, 1, -2}},
-        {"angle",
-         ctl::make_ref<Angle_Description>(right_angle()),
-         4,
-         {at(1, 2), at(4, 3), at(2, 9), at(-1, 9), at(3, 4)},
-         {0, 1, 1, -2, 2}},
-        {"null circle", ctl::make_ref<Circle_Description>(), 3, {at(3, 4)}, {5}},
-        {"null cone", ctl::make_ref<Cone_Description>(), 6, {at(3, 4, 9)}, {5}},
-        {"flat ellipse",
-         ctl::make_ref<Ellipse_Description>(record_of<Ellipse_Description>(ellipse(2, 0, at(0, 0)))),
-         5,
-         {at(1, 3), at(5, 4)},
-         {3, 5}},
-        {"slot of no length",
-         ctl::make_ref<Slot_Description>(record_of<Slot_Description>(slot(2, 2, 0, at(0, 0)))),
-         4,
-         {at(3, 4)},
-         {3}},
-    };
-    for (auto const& c : cases) {
-        SCOPED_TRACE(c.name);
-        std::vector<double> errors(17, 42.0);
-        ASSERT_EQ(calculate_errors(*c.feature, c.feature->type(), c.points, errors), c.parameters);
-        ASSERT_EQ(errors.size(), c.errors.size());
-        for (std::size_t i = 0; i < errors.size(); ++i) EXPECT_NEAR(errors[i], c.errors[i], 4e-15) << i;
-    }
+TEST(CalculateErrors, GivesDeviationsInSpaceWorkedByHand) {
+    expect(record_of<Plane_Description>(plane(at(0, 0, 2), point(false, 0, 3, 4))), 3,
+           {{at(9, 0, 2), 0}, {at(0, 5, 12), 11}, {at(0, 0, 0), -1.6}});
+    expect(record_of<Sphere_Description>(sphere(3, at(0, 0, 1))), 4,
+           {{at(0, 0, 1), -3}, {at(2, 1, 3), 0}, {at(4, 4, 8), 6}});
+    // Radius 1 about an axis along X; points on the axis count as such, however far out.
+    expect(record_of<Cylinder_Description>(cylinder(1, 6, at(5, 5, 5), point(false, 3, 0, 0))), 5,
+           {{at(5, 5, 5), -1}, {at(99, 5, 5), -1}, {at(-7, 8, 9), 4}});
+    // The slant line falls by 3 over 4; the apex lies at z = 20/3, and the base's centre 5 * 4/5 inside.
+    expect(record_of<Cone_Description>(cone(at(0, 0, 0), at(0, 0, 4), 5, 2)), 6,
+           {{at(0, 2, 4), 0},
+            {at(0, 0, 0), -4},
+            {at(8, 4, 4), (std::sqrt(80.0) - 2) * 0.8},
+            {at(0, 0, 20.0 / 3), 0}});
+    expect(Circle_Description(), 3, {{at(3, 4), 5}});
+    expect(Cone_Description(), 6, {{at(3, 4, 9), 5}});
 }
 
 TEST(CalculateErrors, AsksForOneKindOfResiduals) {
@@ -177,41 +103,39 @@ TEST(CalculateErrors, AsksForOneKindOfResiduals) {
 // A deviation built into each point comes back, far from the origin too, to the rounding of the coordinates.
 TEST(CalculateErrors, ReturnsTheDeviationBuiltIn) {
     seeded_random random(21);
+    auto const number = [&] { return random.uniform(-3, 3); };
     for (int trial = 0; trial < 300; ++trial) {
-        SCOPED_TRACE(trial);
         double const size = random.log_uniform(1e-3, 1e3), far = trial % 2 ? random.uniform(-1e6, 1e6) : 0;
-        double const a = size * random.uniform(1, 4), b = size * random.uniform(1, 4),
-                     angle = random.uniform(-3, 3);
-        transform const place = transform::rotation(angle, random.uniform(-1, 1), random.uniform(-3, 3)) *
-                                transform(far, -far, far);
-        transform const flat = transform::rotation(angle) * transform(far, -far);
+        double const a = size * random.uniform(1, 4), b = size * random.uniform(1, 4);
+        transform const place = transform::rotation(number(), number(), number()) * transform(far, -far, far);
+        transform const flat = transform::rotation(number()) * transform(far, -far);
         point_list on_cylinder, on_cone, on_ellipse;
         std::vector<double> built, errors;
         for (int i = 0; i < 20; ++i) {
-            double const e = size * random.uniform(-1e-3, 1e-3), t = random.uniform(-3, 3),
-                         h = random.uniform(-9, 9);
+            double const e = size * random.uniform(-1e-3, 1e-3), t = number(),
+                         z = size * random.uniform(1, 20);
             built.push_back(e);
-            on_cylinder.push_back(at((a + e) * cos(t), (a + e) * sin(t), size * h) * place);
-            // Half a right angle: e outside along the normal (1, -1) / sqrt 2.
-            double const out = a + size * (h + 10) + e / std::sqrt(2.0);
-            on_cone.push_back(at(out * cos(t), out * sin(t), size * (h + 10) - e / std::sqrt(2.0)) * place);
+            on_cylinder.push_back(at((a + e) * cos(t), (a + e) * sin(t), z) * place);
+            // Half a right angle: e along the normal (1, -1) / sqrt 2.
+            double const step = e / std::sqrt(2.0), r = a + z + step;
+            on_cone.push_back(at(r * cos(t), r * sin(t), z - step) * place);
             point const normal = normalize(point(false, cos(t) / a, sin(t) / b));
             on_ellipse.push_back((at(a * cos(t), b * sin(t)) + e * normal) * flat);
         }
-        auto const expect = [&](unsigned int, double tolerance) {
-            for (std::size_t i = 0; i < built.size(); ++i) EXPECT_NEAR(errors[i], built[i], tolerance) << i;
+        auto const compare = [&](auto record, transform const& t, point_list const& points,
+                                 double tolerance) {
+            record.apply_transform(t);
+            calculate_errors(record, points, errors);
+            for (unsigned int i = 0; i < 20; ++i) EXPECT_NEAR(errors[i], built[i], tolerance) << trial;
         };
-        double const rounding = 1e-14 * size + 5e-16 * std::fabs(far);
-        auto const shape = cylinder(a, size, at(0, 0, 0), point(false, 0, 0, 1)) * place;
-        expect(calculate_errors(record_of<Cylinder_Description>(cylinder(shape)), on_cylinder, errors),
-               4 * rounding);
-        cone wide(at(0, 0, 0), at(0, 0, size), a, a + size);
-        wide *= place;
-        expect(calculate_errors(record_of<Cone_Description>(wide), on_cone, errors), 20 * rounding);
-        expect(
-            calculate_errors(record_of<Ellipse_Description>(ellipse(ellipse(a, b, 0.0) * flat)), on_ellipse,
-                             errors),
-            size * 1e-9 + rounding);  // two rounds of the walk, at a thousandth of the size off the ellipse
+        double const rounding = 1e-13 * size + 2e-15 * std::fabs(far);
+        compare(record_of<Cylinder_Description>(cylinder(a, size, at(0, 0, 0), point(false, 0, 0, 1))), place,
+                on_cylinder, rounding);
+        cone const wide(at(0, 0, 0), at(0, 0, size), a, a + size);
+        compare(record_of<Cone_Description>(wide), place, on_cone,
+                3 * rounding);  // the place along it counts too
+        // Two rounds of the walk, a thousandth of the size off the ellipse.
+        compare(record_of<Ellipse_Description>(ellipse(a, b, 0.0)), flat, on_ellipse, size * 1e-9 + rounding);
     }
 }
 
