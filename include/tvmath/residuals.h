@@ -10,7 +10,26 @@ inline namespace tvmath {
 
 // How well a feature matches its measured points. Each `calculate_errors` makes `errors` the signed deviation
 // of each point, in order, positive outside the feature, and returns the number of parameters of the feature,
-// to be passed on to `get_stdev`. Lengths are in the caller's units.
+// to be passed on to `get_stdev`. Lengths are in the caller's units; 2D points lie in z = 0, trivial ones at
+// the origin.
+//
+// - Point (1): the distance in space, never negative.
+// - Segment (2): the distance from the infinite line along its second axis, positive on that side.
+// - Circle, Arc (3): the distance in XY from the whole circle.
+// - Plane (3): the distance from the infinite plane, positive on the side of its normal.
+// - Gap (3): the distance from the nearer of its two infinite sides, positive beyond them.
+// - Sphere (4), Cylinder (5), Cone (6): the distance from the surface, of the last two without their
+//   ends. A point on the axis of a cylinder gives minus its radius; the apex of a cone gives 0.
+// - Slot (4): the distance from the outline.
+// - Rectangle (5): beyond a corner the distance from it, elsewhere that from the pair of sides, as infinite
+//   lines, which is nearer.
+// - Ellipse (5): the distance from the ellipse in its plane, by two rounds of the walk to the foot that the
+//   fit makes: exact for points near the ellipse, an approximation for points far from it.
+// - O-ring (as many as both outlines have coefficients): the distance along the ray from the centre, from the
+//   nearer outline.
+// - Angle (4): the distance from the nearer of the two infinite legs, positive inside the angle.
+//
+// A null feature is measured as its unit shape with lengths of 0.
 
 TVMATH_API unsigned int calculate_errors(Point_Description const& feature, std::vector<point> const& points,
                                          std::vector<double>& errors);
@@ -44,7 +63,8 @@ TVMATH_API unsigned int calculate_errors(Cone_Description const& feature, std::v
 TVMATH_API unsigned int calculate_errors(Geometry_Description const& feature, unsigned long long type,
                                          std::vector<point> const& points, std::vector<double>& errors);
 
-/// Width of the zone that holds all deviations, the form error: greatest less least. 0 for an empty list.
+/// Width of the zone that holds all deviations, the form error: greatest less least. 0 for an empty list, NaN
+/// when a deviation is.
 TVMATH_API double get_form(std::vector<double> const& errors);
 /// Width of the zone, symmetric about the feature, that holds all deviations: twice the largest magnitude. 0
 /// for an empty list.

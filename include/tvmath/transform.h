@@ -61,6 +61,22 @@ public:
     /// Z axis: then it lies in the XZ plane.
     static transform extrusion(point normal);
 
+    /// The affine map that carries the points of `from` nearest to those of equal index in `to`: least
+    /// squares of the distances in XY, each square times its weight. No `weights` count all pairs alike.
+    ///
+    /// Locations go with locations. A pair of directions takes part too, through the linear part alone; a
+    /// pair of one of each says nothing and is passed over, as is one with a trivial point or a weight that
+    /// is not above 0. Returns the trivial transform for lists of different sizes, for fewer than 3 pairs,
+    /// for points of `from` that lie on one line, or within 1e-7 of their extent of one, and where no map
+    /// with an inverse comes out.
+    ///
+    /// Source: normal equations about the centroids, refined by their residuals as in A. Bjorck, Numerical
+    /// Methods for Least Squares Problems, SIAM 1996, 2.9.
+    static transform fit2d(idioms::array<point> from, idioms::array<point> to, idioms::array<double> weights);
+    /// The same in space, a 3D map: of at least 4 pairs, whose points in `from` do not lie in one plane. 2D
+    /// points lie in z = 0.
+    static transform fit3d(idioms::array<point> from, idioms::array<point> to, idioms::array<double> weights);
+
     bool is_2d() const { return capacity() == 12; }
     bool is_3d() const { return capacity() == 24; }
 

@@ -1,0 +1,139 @@
+#include "tvmath/feature_fit.h"
+
+#include <cmath>
+#include <span>
+
+#include "geometry/extent.h"
+#include "geometry/xyz.h"
+#include "point_lists.h"
+#include "tvmath/geometry_fitter.h"
+#include "tvmath/quick_fit.h"
+
+inline namespace tvmath {
+namespace {
+
+// A NaN or an infinity among the coordinates reaches each of these numbers.
+bool all_finite(point const& p) {
+    return xyz(p).is_finite();
+}
+
+// The feature that the constrained fitter makes of the points alone; null when it makes none.
+template <class fitter, class description, class list>
+auto fitted(list const& points) {
+    fitter iteration;
+    iteration.add(geometry_fitter::fit(points));
+    description found;
+    return iteration.result(found) ? found.geometry : decltype(found.geometry)();
+}
+
+template <class list>
+circle iterated_circle(list const& points) {
+    return fitted<geometry_fitter::circle_fitter, Circle_Description>(points);
+}
+
+// The fitter takes points in space; what it makes of points in the plane is brought back there.
+circle iterated_plane_circle(std::span<point const> points) {
+    std::vector<point> raised(points.begin(), points.end());
+    for (point& p : raised) {
+        if (p.is_trivial()) return circle();  // would become the origin
+        p.promote3d();
+    }
+    circle result = iterated_circle(raised);
+    if (!result.is_trivial()) result.project2d();
+    return result;
+}
+
+template <class list>
+circle fit_circle(list const& points) {
+    std::span<point const> const all(points.begin(), points.end());
+    unsigned int const distinct = count_distinct(all, 3);
+    if (distinct < 3) return circle();
+    if (distinct > 3) return all[0].is_2d() ? iterated_plane_circle(all) : iterated_circle(points);
+    point center;
+    double radius = 0;
+    // The sums of points on one line may overflow instead of vanishing.
+    bool const found = circle_quick_fit(points, center, radius) && std::isfinite(radius);
+    return found ? circle(radius, center) : circle();
+}
+
+// Mean distance of the points from `center`, a NaN when there is a trivial point or none at all. A distance
+// takes x, y and z, or x and y alone.
+double mean_distance(xyz const& center, std::span<point const> points, bool in_space) {
+    double sum = 0;
+    for (point const& p : points) {
+        if (p.is_trivial()) return domain_error_value;
+        xyz const d = xyz(p) - center;
+        sum += std::sqrt(d.x * d.x + d.y * d.y + (in_space ? d.z * d.z : 0.0));
+    }
+    return sum / static_cast<double>(points.size());
+}
+
+template <class shape>
+shape fit_about(point const& center, std::span<point const> points, bool in_space) {
+    if (center.is_trivial()) return shape();
+    double const radius = mean_distance(xyz(center), points, in_space);
+    return std::isfinite(radius) ? shape(radius, center) : shape();
+}
+
+}  // namespace
+
+line line_fit(idioms::array<point> points) {
+    unsigned int const n = points.capacity();
+    point const* const p = points.begin();
+    if (n == 2 && !p[0].is_trivial() && !p[1].is_trivial()) {
+        point first = p[0], second = p[1];
+        first.to_location();
+        second.to_location();
+        return all_finite(first) && all_finite(second) ? line(first, second) : line();
+    }
+    point center, direction;
+    if (!line_quick_fit(points, center, direction) || !all_finite(direction)) return line();
+
+    interval along{0, 0};  // the centroid belongs to the line
+    for (unsigned int i = 0; i < n; ++i) {
+        along.widen((p[i].x() - center.x()) * direction.x() + (p[i].y() - center.y()) * direction.y());
+    }
+    point const middle = center + direction * ((along.low + along.high) / 2);
+    point half = direction * ((along.high - along.low) / 2);
+    if (dot2d(p[n - 1] - p[0], half) < 0.0) half = -half;
+    return line(middle, half);
+}
+
+circle circle_fit(std::vector<point> const& points) {
+    return fit_circle(points);
+}
+
+circle circle_fit(idioms::array<point> points) {
+    return fit_circle(points);
+}
+
+circle circle_2pt_fit(idioms::array<point> points) {
+    if (points.capacity() != 2) return circle_fit(points);
+    point const center = point_fit(points);
+    double const radius = distance2d(points[0], points[1]) / 2;
+    return center.is_trivial() || !std::isfinite(radius) ? circle() : circle(radius, center);
+}
+
+circle circle_centered_fit(point center, std::vector<point> const& points) {
+    return fit_about<circle>(center, points, false);
+}
+
+circle circle_centered_fit(point center, idioms::array<point> points) {
+    return fit_about<circle>(center, {points.begin(), points.end()}, false);
+}
+
+sphere sphere_fit(std::vector<point> const& points) {
+    unsigned int const distinct = count_distinct(points, 4);
+    if (distinct < 4) return sphere();
+    if (distinct > 4) return fitted<geometry_fitter::sphere_fitter, Sphere_Description>(points);
+    point center;
+    double radius = 0;
+    bool const found = sphere_quick_fit(points, center, radius) && std::isfinite(radius);
+    return found ? sphere(radius, center) : sphere();
+}
+
+sphere sphere_centered_fit(point center, std::vector<point> const& points) {
+    return fit_about<sphere>(center, points, true);
+}
+
+}  // namespace tvmath

@@ -1,0 +1,77 @@
+#include <algorithm>
+#include <cmath>
+#include <span>
+
+#include "tvmath/feature_fit.h"
+#include "tvmath/quick_fit.h"
+#include "tvmath/scalar.h"
+
+inline namespace tvmath {
+namespace {
+
+// The range of the points' angles about `center`: the complement of the largest gap between neighbours, the
+// first one of equals. False for no points, a trivial point, and an angle that is not a number.
+bool angular_range(point const& center, std::span<point const> points, double& start, double& end) {
+    std::vector<double> angles;
+    angles.reserve(points.size());
+    for (point const& p : points) {
+        double const angle = (p - center).angle2d();
+        if (p.is_trivial() || std::isnan(angle)) return false;
+        angles.push_back(angle);
+    }
+    if (angles.empty()) return false;
+    std::sort(angles.begin(), angles.end());
+    start = end = angles[0];
+    if (angles.size() == 1) return true;
+
+    end = angles.back() - 2 * pi;
+    double gap = start - end;  // the one that holds the angle pi
+    for (std::size_t i = 1; i < angles.size(); ++i) {
+        if (!(angles[i] - angles[i - 1] > gap)) continue;
+        end = angles[i - 1];
+        start = angles[i];
+        gap = start - end;
+    }
+    end += 2 * pi;
+    return true;
+}
+
+circle turn_to_arc(circle const& c, std::span<point const> points, double& sweep) {
+    double start = 0, end = 0;
+    if (c.is_trivial()) return c;
+    if (!angular_range(c.basis(0), points, start, end)) return circle();
+    sweep = end - start;
+    // In the circle's own frame, before its placement.
+    return circle(transform::rotation((start + end) / 2 - c.basis(1).angle2d()) * c);
+}
+
+}  // namespace
+
+bool arc_quick_fit(idioms::array<point> points, point& center, double& radius, double& start_angle,
+                   double& end_angle) {
+    point c;
+    double r = 0;
+    if (!circle_quick_fit(points, c, r) || !std::isfinite(r)) return false;
+    if (!angular_range(c, {points.begin(), points.end()}, start_angle, end_angle)) return false;
+    center = c;
+    radius = r;
+    return true;
+}
+
+circle arc_fit(idioms::array<point> points, double& sweep) {
+    return circle_to_arc(circle_fit(points), points, sweep);
+}
+
+circle arc_centered_fit(point center, idioms::array<point> points, double& sweep) {
+    return circle_to_arc(circle_centered_fit(center, points), points, sweep);
+}
+
+circle circle_to_arc(circle c, std::vector<point> const& points, double& sweep) {
+    return turn_to_arc(c, points, sweep);
+}
+
+circle circle_to_arc(circle c, idioms::array<point> points, double& sweep) {
+    return turn_to_arc(c, {points.begin(), points.end()}, sweep);
+}
+
+}  // namespace tvmath

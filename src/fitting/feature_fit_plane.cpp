@@ -1,0 +1,169 @@
+#include <algorithm>
+#include <cmath>
+#include <span>
+
+#include "geometry/extent.h"
+#include "geometry/xyz.h"
+#include "point_lists.h"
+#include "tvmath/feature_fit.h"
+#include "tvmath/matrix.h"
+#include "tvmath/quick_fit.h"
+
+inline namespace tvmath {
+namespace {
+
+using point_span = std::span<point const>;
+
+point_span span_of(idioms::array<point> const& points) {
+    return {points.begin(), points.end()};
+}
+
+// Second moments of the points about `center` along three perpendicular axes.
+struct moments {
+    double uu = 0, vv = 0, ww = 0, uv = 0, vw = 0, wu = 0;
+};
+
+moments moments_about(xyz const& center, xyz const (&axes)[3], point_span points) {
+    moments m;
+    for (point const& p : points) {
+        xyz const q = xyz(p) - center;
+        double const u = dot(q, axes[0]), v = dot(q, axes[1]), w = dot(q, axes[2]);
+        m.uu += u * u;
+        m.vv += v * v;
+        m.ww += w * w;
+        m.uv += u * v;
+        m.vw += v * w;
+        m.wu += w * u;
+    }
+    return m;
+}
+
+// The principal axes of the points about `center`, the normal of their plane as the last one. A narrow strip
+// has moments across it that are lost in the rounding of those along it (the scatter matrix squares the ratio
+// of length to width), and the axes with them. Seen along these axes the moments are graded and keep their
+// digits, so that one Jacobi rotation across the strip and one along it make good what the first matrix lost.
+// Source: J. Demmel, K. Veselic, Jacobi's method is more accurate than QR, SIAM J. Matrix Anal. Appl. 13
+// (1992) 1204-1245.
+//
+// Null when the points lie on one line as far as their coordinates can tell.
+point refined_normal(point const& center, xyz const (&axes)[3], point_span points) {
+    moments const m = moments_about(xyz(center), axes, points);
+    double const difference = m.vv - m.ww, h = std::hypot(difference, 2 * m.vw), across = m.vv + m.ww + h;
+    double const rounding = std::max(coordinate_rounding({&center, 1}), coordinate_rounding(points));
+    if (!(across > 2 * rounding * rounding * static_cast<double>(points.size()))) return point();
+    xyz normal = axes[2];
+    // A cloud that is nearly round across its longest axis has no better normal than the one it got.
+    if (m.vv + m.ww <= 3 * h) {
+        double const turn = std::atan2(2 * m.vw, difference) / 2, c = std::cos(turn), s = std::sin(turn);
+        double const ww = (m.vv + m.ww - h) / 2, wu = c * m.wu - s * m.uv;
+        normal = c * axes[2] - s * axes[1] - wu / (m.uu - ww) * axes[0];
+    }
+    xyz const n = unit(normal);
+    return point(false, n.x, n.y, n.z);
+}
+
+// The normal of the best plane through `center`: the direction of the least singular value of the scatter
+// matrix, the first one of equals. Null for fewer than 2 points, a 2D centre, and points on one line.
+point plane_normal_fit(point const& center, point_span points) {
+    if (points.size() < 2 || !center.is_3d()) return point();
+    moments const m = moments_about(xyz(center), {xyz(1, 0, 0), xyz(0, 1, 0), xyz(0, 0, 1)}, points);
+    double const trace = m.uu + m.vv + m.ww;
+    if (!std::isfinite(trace)) return point();
+    double const rows[3][3] = {{m.uu, m.uv, m.wu}, {m.uv, m.vv, m.vw}, {m.wu, m.vw, m.ww}};
+    matrix scatter(3, 3), u, v;
+    for (unsigned int i = 0; i < 3; ++i) scatter.row(i, vector(3, rows[i]));
+    vector const values = singular_value_decomposition(scatter, u, v);
+
+    unsigned int k = 0;
+    for (unsigned int j = 1; j < 3; ++j) {
+        if (values[k] > values[j]) k = j;
+    }
+    unsigned int i = (k + 1) % 3, j = (k + 2) % 3;
+    if (values[i] == 0.0 || values[j] == 0.0) return point();
+    if (values[i] < values[j]) std::swap(i, j);
+    auto const column = [&v](unsigned int n) { return xyz(v[0][n], v[1][n], v[2][n]); };
+    return refined_normal(center, {column(i), column(j), column(k)}, points);
+}
+
+// In the sense that makes the component of largest size positive, the first one of nearly equal ones: the
+// bias keeps the sense steady when rounding stirs components that are meant to be equal.
+point with_positive_largest(point const& n) {
+    constexpr double bias = 1e-6;
+    unsigned int m = 1;
+    if (std::fabs(n[2]) > std::fabs(n[m]) + bias) m = 2;
+    if (std::fabs(n[3]) > std::fabs(n[m]) + bias) m = 3;
+    return n[m] < 0.0 ? -n : n;
+}
+
+double half(interval const& range) {
+    return (range.high - range.low) / 2;
+}
+
+double middle(interval const& range) {
+    return (range.low + range.high) / 2;
+}
+
+interval symmetric(interval const& range) {
+    double const most = std::max(-range.low, range.high);
+    return {-most, most};
+}
+
+// The finite plane through `center` with that normal. Its axes are as long as the data reach, about their
+// middle when `recenter` is set. Extents of exactly 0, and those of fewer than 3 points, are no extents: they
+// are raised to the minimum.
+plane plane_from_normal(point const& center, point const& normal, point_span points, double minimum_width,
+                        double minimum_height, bool recenter = true) {
+    if (center.is_trivial() || normal.is_trivial()) return plane();
+    plane const unit_plane(center, with_positive_largest(normalize(normal)));
+    xyz const c(center), b(unit_plane.basis(1)), a(unit_plane.basis(2));
+    interval along_a{0, 0}, along_b{0, 0};
+    for (point const& p : points) {
+        xyz const d = xyz(p) - c;
+        along_a.widen(dot(d, a));
+        along_b.widen(dot(d, b));
+    }
+    if (!recenter) {
+        along_a = symmetric(along_a);
+        along_b = symmetric(along_b);
+    }
+    double half_a = half(along_a), half_b = half(along_b);
+    if (points.size() < 3 || half_a == 0.0 || half_b == 0.0) {
+        half_b = std::max(half_b, minimum_width);
+        half_a = std::max(half_a, minimum_height);
+    }
+    xyz const at = c + middle(along_a) * a + middle(along_b) * b;
+    if (!at.is_finite()) return plane();
+    plane result(make_transform(at.location(true), half_b * unit_plane.basis(1), half_a * unit_plane.basis(2),
+                                unit_plane.basis(3)));
+    return result.fill_in_inverse() ? result : plane();
+}
+
+bool any_trivial(point_span points) {
+    return std::any_of(points.begin(), points.end(), [](point const& p) { return p.is_trivial(); });
+}
+
+// Half extents for planes of data that has none, in the caller's units.
+constexpr double smallest_extent = 0.005;
+
+}  // namespace
+
+plane plane_fit(idioms::array<point> points) {
+    point_span const all = span_of(points);
+    if (count_distinct(all, 3) < 3) return plane();
+    point const center = point_fit(points), normal = plane_normal_fit(center, all);
+    return plane_from_normal(center, normal, all, smallest_extent, smallest_extent);
+}
+
+plane plane_centered_fit(point center, idioms::array<point> points) {
+    point_span const all = span_of(points);
+    if (any_trivial(all)) return plane();
+    point const normal = plane_normal_fit(center, all);
+    return plane_from_normal(center, normal, all, smallest_extent, smallest_extent, false);
+}
+
+plane plane_parallel_fit(plane p, idioms::array<point> points) {
+    if (!p.is_3d()) return plane();
+    return plane_from_normal(point_fit(points), p.basis(3), span_of(points), p.size(1), p.size(2));
+}
+
+}  // namespace tvmath
