@@ -5,9 +5,7 @@
 #include <limits>
 
 inline namespace tvmath {
-namespace {
-
-// Unit vector along the largest scatter, by the half-angle formulas that do not cancel; X when there is none.
+// Unit vector along the largest scatter, by the half-angle formulas that do not cancel.
 xy principal_axis(double xx, double xy_, double yy) {
     double const a = xx - yy, b = 2 * xy_, h = std::hypot(a, b);
     if (h == 0.0) return {1, 0};
@@ -15,8 +13,6 @@ xy principal_axis(double xx, double xy_, double yy) {
     double const n = std::hypot(axis.x, axis.y);
     return {axis.x / n, axis.y / n};
 }
-
-}  // namespace
 
 planar_points relative_to(point const& origin, std::span<point const> points) {
     if (origin.is_trivial()) return {};
@@ -35,6 +31,11 @@ planar_points relative_to(point const& origin, std::span<point const> points) {
     if (any_trivial || !std::isfinite(sum)) return {};
     relative.resolution = largest * std::numeric_limits<double>::epsilon();
     return relative;
+}
+
+transform planar_points::place(xy center, xy u, xy v) const {
+    point const c = place(center), a(false, u.x, u.y), b(false, v.x, v.y);
+    return c.is_3d() ? make_transform(c, a, b, point(false, 0, 0, 1)) : make_transform(c, a, b);
 }
 
 planar_scatter scatter_about(xy center, std::vector<xy> const& points) {
