@@ -38,4 +38,21 @@ TVMATH_API bool ellipse_quick_centered_fit(point center, std::vector<point> cons
 TVMATH_API bool ellipse_quick_centered_fit(point center, idioms::array<point> points, point& center_out,
                                            point& major, point& minor);
 
+/// Ellipse of least squares of the distances, started by `ellipse_quick_fit`: the longer start axis becomes
+/// `basis(1)`. In a plane parallel to XY at the mean z; 2D when the first point is.
+///
+/// Of exactly 5 points the ellipse through them. Otherwise the distance is that from a foot found in two
+/// rounds, as in `calculate_errors`: a narrow ellipse with much scatter is not the last digit of the
+/// orthogonal one. Null (`is_trivial()`) when the quick fit fails and when the iteration does not settle, as
+/// for noisy short arcs, whose points any long ellipse fits as well.
+///
+/// Source: S. J. Ahn, W. Rauh, H.-J. Warnecke, Least-squares orthogonal distances fitting of circle, sphere,
+/// ellipse, hyperbola, and parabola, Pattern Recognition 34 (2001) 2283-2303.
+TVMATH_API ellipse ellipse_fit(std::vector<point> const& points);
+TVMATH_API ellipse ellipse_fit(idioms::array<point> points);
+
+/// The same about a given centre, at its z; 2D when the centre is. 3 points are enough.
+TVMATH_API ellipse ellipse_centered_fit(point center, std::vector<point> const& points);
+TVMATH_API ellipse ellipse_centered_fit(point center, idioms::array<point> points);
+
 }  // namespace tvmath
