@@ -18,11 +18,6 @@ idioms::array<point> listed(std::initializer_list<point> points) {
     return idioms::array<point>(static_cast<unsigned int>(points.size()), points.begin());
 }
 
-rectangle fit_rectangle(idioms::array<point> const& points) {
-    rectangle const no_nominal;
-    return rectangle_fit(points, no_nominal);
-}
-
 }  // namespace
 
 circle::circle(point a, point b, point c) : circle(circle_fit(listed({a, b, c}))) {}
@@ -35,7 +30,7 @@ ellipse::ellipse(point a, point b, point c, point d, point e)
 sphere::sphere(point a, point b, point c, point d) : sphere(sphere_fit({a, b, c, d})) {}
 
 rectangle::rectangle(point a, point b, point c, point d, point e)
-    : rectangle(fit_rectangle(listed({a, b, c, d, e}))) {}
+    : rectangle(rectangle_fit(listed({a, b, c, d, e}), rectangle())) {}
 
 slot::slot(point a, point b, point c, point d, point e) : slot(slot_fit(listed({a, b, c, d, e}))) {}
 
