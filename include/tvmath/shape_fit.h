@@ -17,9 +17,9 @@ inline namespace tvmath {
 //
 // Each fit is started in many directions on at most a thousand of the points, and the best start is followed
 // on all of them until nothing changes but rounding; where several features pass through the points to the
-// last digit, the one with the first two points on one straight side is taken, otherwise the narrowest. The
-// null feature (`is_trivial()`) comes back for too few points, for a trivial point or a coordinate that is
-// not finite, and when the points do not tell the feature, as each fit says. Nothing raises.
+// last digit, the one with the first two points on one side is taken, of a slot and otherwise the narrowest.
+// The null feature (`is_trivial()`) comes back for too few points, for a trivial point or a coordinate that
+// is not finite, and when the points do not tell the feature, as each fit says. Nothing raises.
 
 /// The rectangle of least squares of the distances from its outline: a point past a corner has the distance
 /// from the corner, as in a form error.
@@ -38,10 +38,10 @@ TVMATH_API rectangle rectangle_fit(idioms::array<point> points, rectangle nomina
 
 /// The slot of least squares of the distances from its outline, `basis(1)` to the right.
 ///
-/// Needs 5 points. Null when the standard deviation of the place of an end, of the direction times the length
-/// or of the radius, as the scatter of the points makes it, exceeds a tenth of the radius: so for points on
-/// one side, or without one of the ends; and when the straight part is below three times its standard
-/// deviation, as for the points of a circle.
+/// Needs 5 points. Null when no point past an end leaves the line of the sides by six times the scatter,
+/// which the points of the sides alone do not; when the standard deviation of the place of an end, of the
+/// direction times the length or of the radius exceeds a tenth of the radius, as for points on one side; and
+/// when the straight part is below three times its own, as for the points of a circle.
 ///
 /// Source: K. Levenberg, Quart. Appl. Math. 2 (1944) 164-168; D. Marquardt, SIAM J. 11 (1963) 431-441.
 TVMATH_API slot slot_fit(idioms::array<point> points);

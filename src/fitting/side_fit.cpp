@@ -125,11 +125,13 @@ bool settle(std::vector<xy> const& points, box_sides sides, double resolution, f
     assignment state(points, sides);
     planar_box box = fitted.box;
     double least = std::numeric_limits<double>::infinity();
+    double const unknowns = sides == box_sides::all ? 5 : 3;
+    double const redundancy = std::max(static_cast<double>(points.size()) - unknowns, 1.0);
     for (int round = 0; round < 100; ++round) {
         bool const settled = state.assign(box) && round > 0;
         if (round > 0 && (state.squares() < least || settled)) {
             least = state.squares();
-            double const scatter = std::sqrt(least / static_cast<double>(points.size()));
+            double const scatter = std::sqrt(least / redundancy);
             double const width = sides == box_sides::all ? box.right - box.left : box.top - box.bottom;
             fitted = {box, least,
                       state.support() > 3 * scatter + 4 * resolution &&

@@ -43,20 +43,23 @@ slot fit(planar_points const& points) {
     if (!(scatter.across > 4 * rounding)) return slot();
     double const floor = 16 * sqr(rounding) * static_cast<double>(sample.size());
     fitted_slot best;
-    bool found = false;
+    bool found = false, settled = false;
     double least = 0;
     for (fitted_slot& start : starts_of(sample)) {
-        if (!settle(sample, start)) continue;
+        bool const is_settled = settle(sample, start);
         double const squares = std::max(start.squares(), floor);
         bool better = !found || squares < least * (1 - 1e-9);
-        if (!better && squares <= least * (1 + 1e-9))
-            better = start.slot.radius < best.slot.radius * (1 - 1e-9);
+        if (!better && squares <= least * (1 + 1e-9)) {
+            better = is_settled && (!settled || start.slot.radius < best.slot.radius * (1 - 1e-9));
+        }
         if (!better) continue;
         best = start;
         least = squares;
+        settled = is_settled;
         found = true;
     }
-    if (!found || !settle(points.at, best) || !is_told(points.at, best, rounding)) return slot();
+    // The best one may be free to move, as of points without an end: then no other one is the answer.
+    if (!settled || !settle(points.at, best) || !is_told(points.at, best, rounding)) return slot();
     return placed(points, best.slot);
 }
 

@@ -35,10 +35,12 @@ slot_equations evaluate(std::vector<xy> const& points, planar_slot const& s) {
 
 // Solves (matrix + damping) x = right by Cholesky's method. False when a pivot is lost in rounding.
 bool solve(slot_equations const& e, double damping, slot_row right, slot_row& x) {
+    double const least = 1e-6 * e.matrix[unknowns - 1][unknowns - 1];  // of the radius: the number of points
     std::array<slot_row, unknowns> l{};
     for (unsigned int i = 0; i < unknowns; ++i) {
         for (unsigned int j = 0; j <= i; ++j) {
-            double sum = e.matrix[j][i] * (i == j ? 1 + damping : 1);
+            double sum = e.matrix[j][i];
+            if (i == j) sum += damping * std::max(sum, least);
             double const whole = sum;
             for (unsigned int k = 0; k < j; ++k) sum -= l[i][k] * l[j][k];
             if (i == j) {
@@ -101,6 +103,21 @@ bool polish(std::vector<xy> const& points, fitted_slot& fitted) {
     return true;
 }
 
+// How far the points past an end leave the straight sides: the largest, of the end where that is less. A
+// point of a side whose scatter lets it pass for one of the end does not leave it by more.
+double least_bend(std::vector<xy> const& points, planar_slot const& s) {
+    double left = 0, right = 0;
+    for (xy const& p : points) {
+        xy const d = p - s.center;
+        double const along = dot(d, s.axis), across = dot(d, quarter_turned(s.axis));
+        double const over = std::fabs(along) - s.half;
+        if (!(over > 0)) continue;
+        double& bend = along < 0 ? left : right;
+        bend = std::max(bend, s.radius * (1 - std::fabs(across) / std::hypot(over, across)));
+    }
+    return std::min(left, right);
+}
+
 }  // namespace
 
 double squares_of(std::vector<xy> const& points, planar_slot const& s) {
@@ -132,23 +149,23 @@ bool settle(std::vector<xy> const& points, fitted_slot& fitted) {
     return false;
 }
 
-// Whether the points tell the slot, as the header states it. The scatter is at least the rounding.
 bool is_told(std::vector<xy> const& points, fitted_slot const& fitted, double rounding) {
     std::size_t const n = points.size();
     double const redundancy = n > unknowns ? static_cast<double>(n - unknowns) : 1;
-    double const variance = std::max(fitted.squares() / redundancy, sqr(rounding));
-    // Of the ends, which are the centre along the axis, plus and minus the half length; then of the turn, the
-    // half length and the radius.
-    slot_row const combinations[] = {
-        {1, 0, 0, 1, 0}, {1, 0, 0, -1, 0}, {0, 1, 0, 0, 0}, {0, 0, 1, 0, 0}, {0, 0, 0, 0, 1}};
+    double const scatter = std::max(std::sqrt(fitted.squares() / redundancy), rounding);
+    planar_slot const& s = fitted.slot;
+    if (!(least_bend(points, s) > 6 * scatter)) return false;
+
     auto const deviation = [&](slot_row const& combination) {
         slot_row x{};
         if (!solve(fitted.equations, 0, combination, x)) return std::numeric_limits<double>::infinity();
         double form = 0;
         for (unsigned int i = 0; i < unknowns; ++i) form += combination[i] * x[i];
-        return std::sqrt(variance * form);
+        return scatter * std::sqrt(form);
     };
-    planar_slot const& s = fitted.slot;
+    // The ends lie at the centre along the axis, plus and minus the half length.
+    slot_row const combinations[] = {
+        {1, 0, 0, 1, 0}, {1, 0, 0, -1, 0}, {0, 1, 0, 0, 0}, {0, 0, 1, 0, 0}, {0, 0, 0, 0, 1}};
     bool told = s.half > 3 * deviation({0, 0, 0, 1, 0});
     for (slot_row const& combination : combinations) told &= deviation(combination) < 0.1 * s.radius;
     return told;

@@ -33,7 +33,8 @@ struct fitted_slot {
 
 double squares_of(std::vector<xy> const& points, planar_slot const& s);
 
-/// Follows the start in `fitted.slot` to the least sum of squared distances. False when it finds none.
+/// Follows the start in `fitted.slot` to the least sum of squared distances. False when it finds none,
+/// with what it came to.
 bool settle(std::vector<xy> const& points, fitted_slot& fitted);
 
 /// Whether the points tell the slot: see `slot_fit`. The scatter counts as at least `rounding`.
