@@ -12,6 +12,8 @@ public:
     explicit circle(transform const& t) : ellipse(t) {}
     explicit circle(double radius) : ellipse(radius) {}
     circle(double radius, point center) : ellipse(radius, center) {}
+    /// The circle through three points, by `circle_fit`.
+    circle(point a, point b, point c);
 
     double radius() const { return size(1); }  ///< 0 for the null circle, so it is no test of success.
     double perimeter() const { return 2 * pi * size(1); }  ///< 0 for the null circle.

@@ -22,6 +22,8 @@ public:
     /// The first radial vector is the image, across the axis, of the coordinate axis most nearly
     /// perpendicular to it. A 2D `center` lies at z = 0.
     cylinder(double radius, double height, point center, point axis);
+    /// A cylinder through five points, by `cylinder_fit`.
+    cylinder(point a, point b, point c, point d, point e);
 
     double radius() const { return size(1); }
     double height() const { return 2 * size(3); }

@@ -38,6 +38,10 @@ public:
     /// of the coefficients can make a tiny ellipse of a point. Far from the origin the axes keep what digits
     /// the coefficients have.
     ellipse(double A, double B, double C, double D, double E, double F);
+    /// The circle through three points, by `circle_fit`.
+    ellipse(point a, point b, point c);
+    /// The ellipse through five points, by `ellipse_fit`; null when none passes through them.
+    ellipse(point a, point b, point c, point d, point e);
 
     double semimajor() const { return size(1); }
     double semiminor() const { return size(2); }

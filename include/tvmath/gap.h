@@ -19,6 +19,8 @@ public:
     gap() = default;
     explicit gap(transform const& t) : transform(t) {}
     gap(double length, double distance, double angle, point center);
+    /// The gap with `a` and `b` on one side and `c` on the other, by `gap_fit`.
+    gap(point a, point b, point c);
 
     double angle2d() const { return basis(1).angle2d(); }
     double length() const { return 2 * size(1); }

@@ -19,6 +19,8 @@ public:
     rectangle() = default;
     explicit rectangle(transform const& t) : transform(t) {}
     rectangle(double width, double height, double angle, point center);
+    /// The rectangle through five points, two of them on one side, by `rectangle_fit`.
+    rectangle(point a, point b, point c, point d, point e);
 
     double angle2d() const { return basis(1).angle2d(); }
     double width() const { return 2 * size(1); }

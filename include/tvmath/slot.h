@@ -19,6 +19,8 @@ public:
     explicit slot(transform const& t) : transform(t) {}
     /// Half the overall length and half the width, which is the radius of the ends.
     slot(double length, double width, double angle, point center);
+    /// The slot through five points of its outline, at least one on each end, by `slot_fit`.
+    slot(point a, point b, point c, point d, point e);
 
     double angle2d() const { return basis(1).angle2d(); }
     double semimajor() const { return size(1) + size(2); }  ///< Half the overall length.

@@ -20,6 +20,8 @@ public:
     /// A sphere about the origin; a radius of 0 leaves infinities in the inverse map.
     explicit sphere(double radius);
     sphere(double radius, point center);
+    /// The sphere through four points, by `sphere_fit`.
+    sphere(point a, point b, point c, point d);
 
     double radius() const { return size(1); }
     double surface_area() const;

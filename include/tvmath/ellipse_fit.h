@@ -1,0 +1,58 @@
+#pragma once
+
+#include <vector>
+
+#include "tvmath/array.h"
+#include "tvmath/ellipse.h"
+#include "tvmath/export.h"
+#include "tvmath/point.h"
+
+inline namespace tvmath {
+
+// Ellipses in XY through measured points. Both list forms give the same bits. Lengths are in the caller's
+// units. A trivial point in the list, or a coordinate that is not finite, makes every fit fail; nothing
+// raises.
+
+/// Algebraic ellipse of least squares, without starting values: minimises the sum of squares of
+/// a x² + b x y + c y² + d x + e y + f under 4 a c - b² = 1. Of the points of an ellipse it gives that
+/// ellipse; noise makes it too small, the more so the shorter the arc, for which `ellipse_fit` is the remedy.
+///
+/// Returns true and sets `center`, at the mean z of a 3D list, and the half-axes, `major` the longer one, as
+/// 2D directions at a right angle. Needs 5 different points, no 4 of them on a line. Returns false, outputs
+/// untouched, for fewer, for points on one line, and when the points lie on a hyperbola or a pair of lines to
+/// the last digit, as 5 points may. Where they merely scatter about one, the answer is an ellipse, a long
+/// one.
+///
+/// Source: A. Fitzgibbon, M. Pilu, R. B. Fisher, Direct least square fitting of ellipses, IEEE Trans. PAMI 21
+/// (1999) 476-480; reduced as by R. Halir, J. Flusser, Numerically stable direct least squares fitting of
+/// ellipses, WSCG 1998, but by orthogonal steps in affinely normalised coordinates, which change nothing but
+/// the rounding.
+TVMATH_API bool ellipse_quick_fit(std::vector<point> const& points, point& center, point& major,
+                                  point& minor);
+TVMATH_API bool ellipse_quick_fit(idioms::array<point> points, point& center, point& major, point& minor);
+
+/// The same about a given centre, of which `center_out` becomes a copy. Needs 3 points of different
+/// directions from the centre; opposite points count as one.
+TVMATH_API bool ellipse_quick_centered_fit(point center, std::vector<point> const& points, point& center_out,
+                                           point& major, point& minor);
+TVMATH_API bool ellipse_quick_centered_fit(point center, idioms::array<point> points, point& center_out,
+                                           point& major, point& minor);
+
+/// Ellipse of least squares of the distances, started by `ellipse_quick_fit`: the longer start axis becomes
+/// `basis(1)`. In a plane parallel to XY at the mean z; 2D when the first point is.
+///
+/// Of exactly 5 points the ellipse through them. Otherwise the distance is that from a foot found in two
+/// rounds, as in `calculate_errors`: a narrow ellipse with much scatter is not the last digit of the
+/// orthogonal one. Null (`is_trivial()`) when the quick fit fails and when the iteration does not settle, as
+/// for noisy short arcs, whose points any long ellipse fits as well.
+///
+/// Source: S. J. Ahn, W. Rauh, H.-J. Warnecke, Least-squares orthogonal distances fitting of circle, sphere,
+/// ellipse, hyperbola, and parabola, Pattern Recognition 34 (2001) 2283-2303.
+TVMATH_API ellipse ellipse_fit(std::vector<point> const& points);
+TVMATH_API ellipse ellipse_fit(idioms::array<point> points);
+
+/// The same about a given centre, at its z; 2D when the centre is. 3 points are enough.
+TVMATH_API ellipse ellipse_centered_fit(point center, std::vector<point> const& points);
+TVMATH_API ellipse ellipse_centered_fit(point center, idioms::array<point> points);
+
+}  // namespace tvmath

@@ -1,0 +1,228 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "planar_points.h"
+#include "tvmath/ellipse_fit.h"
+#include "tvmath/matrix.h"
+#include "tvmath/quick_fit.h"
+
+inline namespace tvmath {
+namespace {
+
+using triple = std::array<double, 3>;
+
+// Coordinates (u, v) in which the scatter is the unit matrix. The fit does not change under affine maps, its
+// rounding does: in these coordinates the terms of a flat arc are of one size.
+struct normal_frame {
+    explicit normal_frame(planar_scatter const& s)
+        : center(s.center), axis(s.axis), lean(s.lean), along(s.along), across(s.across) {}
+
+    xy inward(xy p) const {
+        double const t = dot(p - center, axis), n = dot(p - center, quarter_turned(axis));
+        return {t / along, (n - lean * t) / across};
+    }
+    xy outward_direction(xy d) const {
+        double const t = along * d.x;
+        return t * axis + (across * d.y + lean * t) * quarter_turned(axis);
+    }
+
+    xy center, axis;
+    double lean, along, across;
+};
+
+// The conic's quadratic terms: p (u² + v²) / 2 + q (u² - v²) / 2 + b u v, so that 4 a c - b² = p² - q² - b².
+triple quadratic_terms(xy const& w) {
+    double const uu = w.x * w.x, vv = w.y * w.y;
+    return {(uu + vv) / 2, (uu - vv) / 2, w.x * w.y};
+}
+
+// What each quadratic term has in common with 1, u and v, which are orthonormal over the points: its
+// least-squares substitute by them.
+struct linear_parts {
+    std::array<triple, 3> of_one_u_v{};
+};
+
+linear_parts project(std::vector<xy> const& points, normal_frame const& frame, bool centered) {
+    linear_parts parts;
+    for (xy const& p : points) {
+        xy const w = frame.inward(p);
+        triple const terms = quadratic_terms(w);
+        for (unsigned int k = 0; k < 3; ++k) {
+            parts.of_one_u_v[0][k] += terms[k];
+            parts.of_one_u_v[1][k] += terms[k] * w.x;
+            parts.of_one_u_v[2][k] += terms[k] * w.y;
+        }
+    }
+    for (auto& part : parts.of_one_u_v) {
+        for (double& x : part) x /= static_cast<double>(points.size());
+    }
+    // The conic about a given centre has no linear terms.
+    if (centered) parts.of_one_u_v[1] = parts.of_one_u_v[2] = triple{};
+    return parts;
+}
+
+// The triangular factor of rows that come one by one. Householder steps on blocks, so that no square of the
+// rows is formed and a small residual keeps its digits beside large ones.
+class triangular_factor {
+public:
+    void add(triple const& row) {
+        for (unsigned int k = 0; k < 3; ++k) column_[k][filled_] = row[k];
+        if (++filled_ == block) reduce();
+    }
+    matrix result() {
+        reduce();
+        matrix r(3, 3);
+        for (unsigned int i = 0; i < 3; ++i) {
+            for (unsigned int k = i; k < 3; ++k) r(i)(k) = column_[k][i];
+        }
+        return r;
+    }
+
+private:
+    void reduce() {
+        for (unsigned int k = 0; k < 3; ++k) {
+            double* const a = column_[k].data();
+            double norm = 0;
+            for (unsigned int i = k; i < filled_; ++i) norm += a[i] * a[i];
+            norm = std::sqrt(norm);
+            if (!(norm > 0)) continue;
+            double const diagonal = a[k] > 0 ? -norm : norm, head = a[k] - diagonal;
+            for (unsigned int j = k + 1; j < 3; ++j) {
+                double* const b = column_[j].data();
+                double product = head * b[k];
+                for (unsigned int i = k + 1; i < filled_; ++i) product += a[i] * b[i];
+                double const factor = product / (diagonal * head);
+                b[k] += factor * head;
+                for (unsigned int i = k + 1; i < filled_; ++i) b[i] += factor * a[i];
+            }
+            a[k] = diagonal;
+            std::fill(a + k + 1, a + filled_, 0.0);
+        }
+        filled_ = 3;
+    }
+
+    static constexpr unsigned int block = 256;
+    std::array<std::array<double, block>, 3> column_{};
+    unsigned int filled_ = 3;  // the first three rows are the factor of what came before
+};
+
+// The x of least |r x| with p² - q² - b² = 1. False when r leaves more than one free, or leaves just one
+// within `resolution`, and that is no ellipse.
+bool least_ellipse(matrix const& r, double resolution, triple& x) {
+    matrix u, v;
+    vector const values = singular_value_decomposition(r, u, v);
+    std::array<unsigned int, 3> order = {0, 1, 2};
+    std::sort(order.begin(), order.end(), [&](auto i, auto j) { return values[i] > values[j]; });
+    double const largest = values[order[0]], middle = values[order[1]], least = values[order[2]];
+    if (!(middle > resolution * largest)) return false;
+
+    // With the singular value decomposition r = u s vᵀ and x = v z the form p² - q² - b² becomes zᵀ k z, and
+    // with z = d y, d = least / s, the wanted y belongs to the only positive eigenvalue of d k d. A least
+    // value of 0, of exact points, needs no case of its own.
+    auto const product = [&](unsigned int i, unsigned int j) {
+        return v[0][i] * v[0][j] - v[1][i] * v[1][j] - v[2][i] * v[2][j];
+    };
+    if (least <= resolution * largest && product(order[2], order[2]) <= 0) return false;
+    triple const d = {least / largest, least / middle, 1};
+    matrix shifted(3, 3);  // d k d + 1, of which no eigenvalue is below 0
+    for (unsigned int i = 0; i < 3; ++i) {
+        for (unsigned int j = 0; j < 3; ++j) {
+            shifted(i)(j) = d[i] * d[j] * product(order[i], order[j]) + (i == j);
+        }
+    }
+    matrix left, right;
+    vector const eigenvalues = singular_value_decomposition(shifted, left, right);
+    unsigned int best = 0;
+    for (unsigned int i = 1; i < 3; ++i) best = eigenvalues[i] > eigenvalues[best] ? i : best;
+    for (unsigned int k = 0; k < 3; ++k) {
+        x[k] = 0;
+        for (unsigned int i = 0; i < 3; ++i) x[k] += v[k][order[i]] * d[i] * right[i][best];
+    }
+    return true;
+}
+
+struct planar_ellipse {
+    xy center, major, minor;
+};
+
+bool fit_scatter(planar_points const& points, planar_scatter const& scatter, bool centered,
+                 planar_ellipse& fitted) {
+    // Points whose distance from a line is not above the rounding of their coordinates show no ellipse.
+    double const rounding = 4 * (points.resolution + 1e-16 * scatter.along);
+    if (!(scatter.across > rounding) || !std::isfinite(scatter.along)) return false;
+    normal_frame const frame(scatter);
+    linear_parts const parts = project(points.at, frame, centered);
+    triangular_factor factor;
+    for (xy const& p : points.at) {
+        xy const w = frame.inward(p);
+        triple row = quadratic_terms(w);
+        for (unsigned int k = 0; k < 3; ++k) {
+            row[k] -= parts.of_one_u_v[0][k] + parts.of_one_u_v[1][k] * w.x + parts.of_one_u_v[2][k] * w.y;
+        }
+        factor.add(row);
+    }
+    triple x{};
+    if (!least_ellipse(factor.result(), std::max(1e-13, points.resolution / scatter.across), x)) return false;
+
+    triple linear{};
+    for (unsigned int i = 0; i < 3; ++i) {
+        for (unsigned int k = 0; k < 3; ++k) linear[i] -= x[k] * parts.of_one_u_v[i][k];
+    }
+    ellipse const normal((x[0] + x[1]) / 2, x[2], (x[0] - x[1]) / 2, linear[1], linear[2], linear[0]);
+    if (normal.is_trivial()) return false;
+    auto const outward = [&](point const& d) { return frame.outward_direction({d.x(), d.y()}); };
+    fitted = {frame.center + outward(normal.basis(0)), outward(normal.basis(1)), outward(normal.basis(2))};
+    return true;
+}
+
+bool write(planar_points const& points, planar_ellipse const& fitted, point& center, point& major,
+           point& minor) {
+    point u(false, fitted.major.x, fitted.major.y), v(false, fitted.minor.x, fitted.minor.y);
+    orthogonalize_ellipse_2d(u, v);
+    if (!std::isfinite(sqr(u)) || !(sqr(v) > 0)) return false;
+    center = points.place(fitted.center);
+    major = u;
+    minor = v;
+    return true;
+}
+
+template <class list>
+bool fit(list const& points, point& center, point& major, point& minor) {
+    if (span_of(points).size() < 5) return false;
+    planar_points const relative = relative_to(point_fit(points), span_of(points));
+    planar_ellipse fitted;
+    return !relative.is_empty() && fit_scatter(relative, scatter_of(relative.at), false, fitted) &&
+           write(relative, fitted, center, major, minor);
+}
+
+template <class list>
+bool fit_centered(point center, list const& points, point& center_out, point& major, point& minor) {
+    if (span_of(points).size() < 3) return false;
+    planar_points const relative = relative_to(center, span_of(points));
+    planar_ellipse fitted;
+    return !relative.is_empty() && fit_scatter(relative, scatter_about({}, relative.at), true, fitted) &&
+           write(relative, fitted, center_out, major, minor);
+}
+
+}  // namespace
+
+bool ellipse_quick_fit(std::vector<point> const& points, point& center, point& major, point& minor) {
+    return fit(points, center, major, minor);
+}
+
+bool ellipse_quick_fit(idioms::array<point> points, point& center, point& major, point& minor) {
+    return fit(points, center, major, minor);
+}
+
+bool ellipse_quick_centered_fit(point center, std::vector<point> const& points, point& center_out,
+                                point& major, point& minor) {
+    return fit_centered(center, points, center_out, major, minor);
+}
+
+bool ellipse_quick_centered_fit(point center, idioms::array<point> points, point& center_out, point& major,
+                                point& minor) {
+    return fit_centered(center, points, center_out, major, minor);
+}
+
+}  // namespace tvmath
