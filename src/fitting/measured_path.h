@@ -30,6 +30,9 @@ measured_path prepare_path(std::span<point const> points, bool closed);
 inline std::span<point const> span_of(idioms::array<point> const& points) {
     return {points.begin(), points.end()};
 }
+inline std::span<point const> span_of(std::vector<point> const& points) {
+    return points;
+}
 
 /// Distances between neighbours; of a closed path also from the last to the first.
 std::vector<double> chord_lengths(std::vector<xyz> const& points, bool closed);

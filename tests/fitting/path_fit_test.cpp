@@ -96,9 +96,10 @@ struct named_fit {
     char const* name;
     curve (*of_vector)(points const&, bool);
     curve (*of_array)(idioms::array<point>, bool);
+    bool is_interpolation;
 };
-named_fit const interpolations[] = {{"bezier_fit", bezier_fit, bezier_fit}};
-named_fit const all_fits[] = {{"bezier_fit", bezier_fit, bezier_fit}};
+named_fit const all_fits[] = {{"bezier_fit", bezier_fit, bezier_fit, true},
+                              {"least squares", bezier_least_squares_fit, bezier_least_squares_fit, false}};
 
 TEST(PathFits, GiveNoCurveForListsWithoutOne) {
     double const nan = std::nan("");
@@ -169,8 +170,10 @@ TEST(PathFits, FollowTheirPointsAnywhere) {
                 curve const c = f.of_vector(list, closed) * t, d = f.of_vector(moved, closed);
                 ASSERT_EQ(c.capacity(), d.capacity());
                 for (unsigned int i = 0; i < c.capacity(); ++i) {
-                    // The size is about 30 scales; moved coordinates are rounded by 1e-16 of themselves.
-                    EXPECT_LE(distance3d(c[i], d[i]), 1e-9 * scale + 1e-13 * far * 30);
+                    // Coordinates are rounded by 1e-16 of themselves; interpolation leaves that as it is, the
+                    // feet of such a jagged path may magnify it up to a million times.
+                    double const rounding = 1e-14 * scale * 30 + 2e-16 * far * 5;
+                    EXPECT_LE(distance3d(c[i], d[i]), (f.is_interpolation ? 10 : 1e6) * rounding);
                 }
             }
         }
@@ -281,6 +284,75 @@ TEST(NurbFit, OfFewPointsIsTheInterpolatingSpline) {
             EXPECT_NEAR(n.get_knot(segments + i + 1) - n.get_knot(i + 1), last_parameter(n), 1e-14 * 20);
         }
     }
+}
+
+// Uneven samples of one cubic, far from its chord-length parametrisation: one segment, the cubic itself.
+TEST(BezierLeastSquaresFit, ReproducesACubicAndAStraightLine) {
+    curve cubic(4);
+    point const controls[] = {at(0, 0, 1), at(2, 7, 0), at(5, -4, 3), at(9, 1, 2)};
+    std::copy(controls, controls + 4, cubic.lazycopy_begin());
+    points samples, line;
+    for (int i = 0; i < 50; ++i) {
+        samples.push_back(on_segment(controls, i * i / 2401.0).position);
+        line.push_back(at(1e6 + i, 2 * i));
+    }
+    curve const c = bezier_least_squares_fit(samples, false);
+    ASSERT_EQ(c.capacity(), 4u);
+    for (unsigned int i = 0; i < 4; ++i) EXPECT_LE(distance3d(c[i], controls[i]), 1e-11);
+    curve const straight = bezier_least_squares_fit(line, false);
+    ASSERT_EQ(straight.capacity(), 4u);
+    EXPECT_LE(distance2d(straight[0], line[0]) + distance2d(straight[3], line[49]), 1e-9);
+}
+
+// The noise is 1e-2; the distances from the true curve are a good deal smaller, and no control polygon that
+// keeps the joints smooth has a smaller sum of squares.
+TEST(BezierLeastSquaresFit, SmoothsNoiseAndIsAMinimum) {
+    seeded_random random(8);
+    for (bool const closed : {true, false}) {
+        SCOPED_TRACE(closed);
+        points list;
+        for (int i = 0; i < 200; ++i) {
+            double const a = (closed ? 2 * pi : 4.5) * i / 200, noise = 1e-2 * random.normal();
+            list.push_back(at((3 + noise) * std::cos(a), (2 + noise) * std::sin(a)));
+        }
+        curve const c = bezier_least_squares_fit(list, closed);
+        EXPECT_LE(c.capacity(), 40u);
+        double most = 0;
+        for (unsigned int k = 0; k + 3 < c.capacity(); k += 3) {
+            for (double t = 0; t < 1; t += 0.1) {
+                point const p = on_segment(c.begin() + k, t).position;
+                most = std::max(most, std::fabs(std::hypot(p.x() / 3, p.y() / 2) - 1));
+            }
+        }
+        EXPECT_LE(most, 0.7e-2);
+        double const sum = sum_of_squares(c, list);
+        for (int trial = 0; trial < 10; ++trial) {
+            // Moved by a cubic polynomial of the place, the spline stays one; small and along one direction.
+            double const size = random.log_uniform(1e-6, 1e-4) * (random.coin() ? 1 : -1);
+            double const turn = random.uniform(0, 2 * pi), scale = random.coin() ? size : 0;
+            curve moved = c;
+            for (point *p = moved.lazycopy_begin(), *end = p + c.capacity(); p != end; ++p) {
+                p->dilate(1 + scale).translate(size * std::cos(turn), size * std::sin(turn));
+            }
+            EXPECT_GE(sum_of_squares(moved, list), sum * (1 - 1e-4));
+        }
+    }
+}
+
+TEST(NurbFit, OfManyPointsRunsAlongThem) {
+    seeded_random random(9);
+    points const list = circle_points(random, at(1e5, 5), 20, 0, 2 * pi, 500, 1e-3);
+    nurb const n = closed_nurb_fit(list);
+    EXPECT_LE(n.control_points(), 60u);
+    double area = 0, length = 0;
+    point center;
+    n.compute_moments(area, length, center);
+    EXPECT_NEAR(area, 400 * pi, 1e-3 * 40 * pi);
+    EXPECT_LE(distance2d(center, at(1e5, 5)), 3e-4);
+    points const half(list.begin(), list.begin() + 250);
+    nurb const open = open_nurb_fit(half);
+    EXPECT_LE(distance2d(open.evaluate(first_parameter(open)), half.front()), 5e-3);
+    EXPECT_LE(distance2d(open.evaluate(last_parameter(open)), half.back()), 5e-3);
 }
 
 }  // namespace
