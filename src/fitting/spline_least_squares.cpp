@@ -1,0 +1,340 @@
+#include "spline_least_squares.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "envelope_matrix.h"
+#include "measured_path.h"
+#include "tvmath/scalar.h"
+
+inline namespace tvmath {
+namespace {
+
+using numbers = std::vector<double>;
+
+// The knots share the points evenly among the spans, between neighbouring points where the share is broken,
+// so that every span has points of its own. `at` ascends; of a closed path it has the full turn as its last.
+// Source: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, section 9.4.1.
+numbers averaged_breaks(numbers const& at, std::size_t spans) {
+    numbers breaks = {at.front()};
+    double const share = static_cast<double>(at.size() - 1) / static_cast<double>(spans);
+    for (std::size_t j = 1; j < spans; ++j) {
+        double const place = share * static_cast<double>(j);
+        auto const i = static_cast<std::size_t>(place);
+        double const part = place - static_cast<double>(i);
+        breaks.push_back(at[i] + part * (at[i + 1] - at[i]));
+    }
+    breaks.push_back(at.back());
+    return breaks;
+}
+
+// A spline in the making: its breaks, and the span of a parameter.
+class spline_space {
+public:
+    spline_space(numbers breaks, bool closed) : breaks_(std::move(breaks)), is_closed_(closed) {
+        double const turn = closed ? breaks_.back() - breaks_.front() : 0;
+        std::size_t const n = spans();
+        for (std::size_t i = 3; i > 0; --i)
+            knots_.push_back(closed ? breaks_[n - i] - turn : breaks_.front());
+        knots_.insert(knots_.end(), breaks_.begin(), breaks_.end());
+        for (std::size_t i = 1; i <= 3; ++i) knots_.push_back(closed ? breaks_[i] + turn : breaks_.back());
+    }
+
+    std::size_t spans() const { return breaks_.size() - 1; }
+    bool is_closed() const { return is_closed_; }
+    numbers const& knots() const { return knots_; }
+    double begin() const { return breaks_.front(); }
+    double end() const { return breaks_.back(); }
+    double width(std::size_t span) const { return breaks_[span + 1] - breaks_[span]; }
+    double start(std::size_t span) const { return breaks_[span]; }
+    /// Control points that differ; a closed spline repeats the first three.
+    std::size_t freedoms() const { return is_closed_ ? spans() : spans() + 3; }
+    /// The freedom behind control point `r` of a span.
+    std::size_t freedom(std::size_t span, std::size_t r) const {
+        std::size_t const i = span + r;
+        return is_closed_ && i >= spans() ? i - spans() : i;
+    }
+    std::size_t span_of(double t) const {
+        auto const after = std::upper_bound(breaks_.begin() + 1, breaks_.end() - 1, t);
+        return static_cast<std::size_t>(after - breaks_.begin()) - 1;
+    }
+    double into_range(double t) const {
+        if (!is_closed_) return std::clamp(t, begin(), end());
+        double const turn = end() - begin();
+        return t - turn * std::floor((t - begin()) / turn);
+    }
+
+    /// The four basis functions that are not 0 on the span, by the recursion of Cox and de Boor, and their
+    /// derivatives.
+    struct basis_values {
+        std::array<double, 4> value, slope;
+    };
+    basis_values basis(std::size_t span, double t) const {
+        double const* const k = knots_.data() + span + 3;
+        basis_values b = {{1, 0, 0, 0}, {}};
+        for (int degree = 1; degree <= 3; ++degree) {
+            double carried = 0;
+            b.slope = {};
+            for (int r = 0; r < degree; ++r) {
+                auto const i = static_cast<std::size_t>(r);
+                double const right = k[r + 1], left = k[r + 1 - degree], part = b.value[i] / (right - left);
+                b.value[i] = carried + (right - t) * part;
+                carried = (t - left) * part;
+                b.slope[i] -= degree * part;
+                b.slope[i + 1] += degree * part;
+            }
+            b.value[static_cast<std::size_t>(degree)] = carried;
+        }
+        return b;
+    }
+
+    cubic_bspline with(std::vector<xyz> controls) const {
+        if (is_closed_) {
+            for (std::size_t i = 0; i < 3; ++i) controls.push_back(xyz(controls[i]));
+        }
+        return {knots_, std::move(controls)};
+    }
+
+private:
+    numbers breaks_, knots_;
+    bool is_closed_;
+};
+
+// A spline by the powers of each span's own parameter, 0 to 1.
+class span_powers {
+public:
+    span_powers(spline_space const& space, std::vector<xyz> const& controls) : space_(space) {
+        std::vector<xyz> const b = to_bezier(space.with(controls));
+        for (std::size_t i = 0; i + 3 < b.size(); i += 3) {
+            xyz const d0 = b[i + 1] - b[i], d1 = b[i + 2] - b[i + 1], d2 = b[i + 3] - b[i + 2];
+            powers_.push_back({b[i], 3 * d0, 3 * (d1 - d0), (d2 - d1) - (d1 - d0)});
+        }
+    }
+
+    // Offset from `p`, and derivatives with respect to the spline's parameter.
+    struct place {
+        xyz offset, first, second;
+    };
+    place at(double t, xyz const& p) const {
+        std::size_t const span = space_.span_of(t);
+        double const h = space_.width(span), s = (t - space_.start(span)) / h;
+        std::array<xyz, 4> const& c = powers_[span];
+        return {(c[0] - p) + s * (c[1] + s * (c[2] + s * c[3])),
+                (1 / h) * (c[1] + s * (2 * c[2] + 3 * s * c[3])), (1 / (h * h)) * (2 * c[2] + 6 * s * c[3])};
+    }
+
+    // Moves `t` to the foot of the perpendicular from `p` by Newton's iteration, halving steps that lead
+    // away, so that the distance never grows.
+    place foot(double& t, xyz const& p) const {
+        place here = at(t, p);
+        double const small = 0x1p-40 * (space_.end() - space_.begin());
+        for (int round = 0; round < 6; ++round) {
+            double const slope = dot(here.offset, here.first), speed2 = dot(here.first, here.first);
+            double const bend = speed2 + dot(here.offset, here.second);
+            double step = -slope / (bend > 0.25 * speed2 ? bend : speed2);
+            if (!(std::fabs(step) > 0)) break;
+            bool moved = false;
+            for (int halving = 0; halving < 4 && !moved; ++halving, step /= 2) {
+                double const next = space_.into_range(t + step);
+                place const there = at(next, p);
+                moved = next != t && dot(there.offset, there.offset) < dot(here.offset, here.offset);
+                if (!moved) continue;
+                t = next;
+                here = there;
+            }
+            if (!moved || std::fabs(step) < small) break;
+        }
+        return here;
+    }
+
+private:
+    spline_space const& space_;
+    std::vector<std::array<xyz, 4>> powers_;
+};
+
+// Control points, the parameters of the points' feet, and the curve there.
+struct spline_state {
+    std::vector<xyz> controls;
+    numbers at;
+    std::vector<span_powers::place> feet;  // of no derivatives where the parameter does not follow
+    double sum = std::numeric_limits<double>::infinity();
+};
+
+// The iteration for one choice of spans in a plane (2) or in space (3).
+template <std::size_t dimension>
+class least_squares {
+public:
+    least_squares(std::vector<xyz> const& points, spline_space space)
+        : points_(points), space_(std::move(space)), matrix_(envelope(space_)) {}
+
+    spline_space const& space() const { return space_; }
+
+    // The linear fit with these parameters, then the feet.
+    spline_state start(numbers const& at) {
+        spline_state zero;
+        zero.controls.resize(space_.freedoms());
+        zero.at = at;
+        for (xyz const& p : points_) zero.feet.push_back({-1.0 * p, {}, {}});
+        spline_state fitted = zero;
+        move_controls(fitted, 1);
+        take_feet(fitted);
+        return fitted;
+    }
+
+    // Reduces the sum of squares until a step gains less than 1e-4 of it, at most `rounds` times. The second
+    // derivative of half a squared distance is
+    //     N_j N_k 1 - w_j w_k' / (C' C' + offset C''),   w_j = N_j C' + N_j' offset,
+    // where the second term says how the foot follows the curve. Without it (`still` = 1) the step is the
+    // linear fit with fixed parameters, which never goes wrong but is slow; with nearly all of it the step is
+    // Newton's for the shape. A last 1e-2 keeps the control points from sliding along the curve, which gains
+    // next to nothing and never ends.
+    void refine(spline_state& state, int rounds) {
+        double still = 0.1;
+        for (int round = 0; round < rounds;) {
+            spline_state next = state;
+            double const step = move_controls(next, still);
+            if (step < infinity) take_feet(next);
+            if (step < infinity && next.sum < state.sum) {
+                bool const settled = step < 0x1p-46 || state.sum - next.sum <= 1e-4 * state.sum;
+                std::swap(state, next);
+                if (settled) return;
+                still = std::max(still / 5, 1e-2);
+                ++round;
+            } else if (still < 1) {
+                still = std::min(still * 12, 1.0);
+            } else {
+                return;  // only rounding is left
+            }
+        }
+    }
+
+private:
+    static std::vector<std::size_t> envelope(spline_space const& space) {
+        std::vector<std::size_t> first;
+        std::size_t const n = space.freedoms();
+        for (std::size_t i = 0; i < n; ++i) {
+            bool const is_full = space.is_closed() && i + 3 >= n;
+            first.insert(first.end(), dimension, i < 3 || is_full ? 0 : (i - 3) * dimension);
+        }
+        return first;
+    }
+
+    // One step for the control points; returns the largest change, infinity for an indefinite matrix.
+    double move_controls(spline_state& state, double still) {
+        matrix_.clear();
+        numbers right(space_.freedoms() * dimension);
+        for (std::size_t i = 0; i < points_.size(); ++i)
+            add_point(state.feet[i], state.at[i], 1 - still, right);
+        if (!matrix_.factorize() && still < 1) return infinity;
+        matrix_.solve(right);
+        double most = 0;
+        for (std::size_t j = 0; j < state.controls.size(); ++j) {
+            double const* const d = right.data() + j * dimension;
+            xyz const change(d[0], d[1], dimension == 3 ? d[2] : 0);
+            state.controls[j] = state.controls[j] + change;
+            most = std::max(most, length(change));
+        }
+        return most;
+    }
+
+    // Adds what one point gives to the matrix and to the right sides, -N_j offset.
+    void add_point(span_powers::place const& foot, double t, double following, numbers& right) {
+        std::size_t const span = space_.span_of(t);
+        auto const basis = space_.basis(span, t);
+        double const bend = dot(foot.first, foot.first) + dot(foot.offset, foot.second);
+        double const share = bend > 0 ? std::sqrt(following / bend) : 0;
+        double const offset[3] = {foot.offset.x, foot.offset.y, foot.offset.z};
+        double w[4][3];
+        for (std::size_t r = 0; r < 4; ++r) {
+            xyz const moved = share * (basis.value[r] * foot.first + basis.slope[r] * foot.offset);
+            w[r][0] = moved.x;
+            w[r][1] = moved.y;
+            w[r][2] = moved.z;
+        }
+        for (std::size_t r = 0; r < 4; ++r) {
+            std::size_t const j = space_.freedom(span, r);
+            for (std::size_t d = 0; d < dimension; ++d)
+                right[j * dimension + d] -= basis.value[r] * offset[d];
+            for (std::size_t q = 0; q < 4; ++q) {
+                std::size_t const k = space_.freedom(span, q);
+                if (k > j) continue;
+                double const weight = basis.value[r] * basis.value[q];
+                for (std::size_t d = 0; d < dimension; ++d) {
+                    double* const row = &matrix_.at(j * dimension + d, k * dimension);
+                    std::size_t const columns = k == j ? d + 1 : dimension;
+                    for (std::size_t e = 0; e < columns; ++e) {
+                        row[e] += (d == e ? weight : 0) - w[r][d] * w[q][e];
+                    }
+                }
+            }
+        }
+    }
+
+    // The first and the last point of an open path belong to the ends of the curve.
+    void take_feet(spline_state& state) {
+        span_powers const curve(space_, state.controls);
+        state.sum = 0;
+        for (std::size_t i = 0; i < points_.size(); ++i) {
+            bool const is_end = !space_.is_closed() && (i == 0 || i + 1 == points_.size());
+            double& t = state.at[i];
+            span_powers::place const here = is_end ? curve.at(t, points_[i]) : curve.foot(t, points_[i]);
+            bool const is_bound = !space_.is_closed() && (t <= space_.begin() || t >= space_.end());
+            state.feet[i] = is_bound ? span_powers::place{here.offset, {}, {}} : here;
+            state.sum += dot(here.offset, here.offset);
+        }
+    }
+
+    std::vector<xyz> const& points_;
+    spline_space space_;
+    envelope_matrix matrix_;
+};
+
+// Parameters by chord length, and at the end of a closed path the full turn.
+numbers chord_parameters(std::vector<xyz> const& points, bool closed) {
+    numbers at = {0};
+    for (double const h : chord_lengths(points, closed)) at.push_back(at.back() + h);
+    return at;
+}
+
+template <std::size_t dimension>
+cubic_bspline best_spline(std::vector<xyz> const& points, bool closed) {
+    numbers const turn = chord_parameters(points, closed);
+    numbers at = turn;
+    at.resize(points.size());
+    double const n = static_cast<double>(points.size());
+    std::size_t best_spans = 0, most = points.size() / 2 - (closed ? 0 : 3);
+    double best_score = std::numeric_limits<double>::infinity();
+    // What is left at 1e-9 of the size is no longer a question of more spans.
+    double const least = 1e-18 * n;
+    double const penalty = std::log(n) * dimension / (dimension - 1);
+    auto const fit = [&](std::size_t spans) {
+        return least_squares<dimension>(points, spline_space(averaged_breaks(turn, spans), closed));
+    };
+    for (std::size_t spans = closed ? 4 : 1, worse = 0; spans <= most && worse < 4; spans += 1 + spans / 4) {
+        auto solver = fit(spans);
+        spline_state state = solver.start(at);
+        solver.refine(state, std::clamp(static_cast<int>(2e5 / n), 2, 30));
+        double const score = n * std::log(std::max(state.sum, least) / n) +
+                             penalty * static_cast<double>(solver.space().freedoms());
+        worse = score < best_score ? 0 : worse + 1;
+        if (worse == 0) {
+            best_score = score;
+            best_spans = spans;
+        }
+        if (state.sum <= least) break;
+    }
+    auto solver = fit(best_spans);
+    spline_state state = solver.start(at);
+    solver.refine(state, std::clamp(static_cast<int>(2e6 / n), 20, 50));
+    return solver.space().with(state.controls);
+}
+
+}  // namespace
+
+cubic_bspline spline_along(std::vector<xyz> const& points, bool closed, bool solid) {
+    return solid ? best_spline<3>(points, closed) : best_spline<2>(points, closed);
+}
+
+}  // namespace tvmath
