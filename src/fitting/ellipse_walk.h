@@ -12,46 +12,69 @@ struct walked_ellipse {
         : x(x_), y(y_), a(a_), b(b_), cosine(std::cos(angle)), sine(std::sin(angle)) {}
 };
 
-/// The foot of a point on an ellipse as the angle (u, v) of the unit circle, the unit outward normal there,
-/// and the distance of the foot from the point along it: positive inside.
-struct ellipse_foot {
+/// A point of the unit circle: the place on an ellipse.
+struct ellipse_place {
     double u, v;
+};
+
+/// Where the walk of a point begins: the point in the ellipse's frame, its direction from the centre in the
+/// unit circle, and its distance there, above 1 outside.
+struct ellipse_walk_start {
+    double x, y;
+    ellipse_place place;
+    double distance;
+};
+
+/// The unit outward normal at the foot, and the distance of the foot from the point along it: positive
+/// inside.
+struct ellipse_foot {
     double normal_x, normal_y;
     double depth;
 };
 
-/// Two rounds towards the foot, without a test: for points near the ellipse, such as measured ones, the
-/// remaining error of the angle enters the depth squared. The centre itself gives NaN.
-[[gnu::always_inline]] inline ellipse_foot walk_to_foot(walked_ellipse const& e, double px, double py) {
-    double const ux = e.cosine * e.a, uy = e.sine * e.a, vx = -e.sine * e.b, vy = e.cosine * e.b;
-    double const a2 = e.a * e.a, b2 = e.b * e.b;
+// The foot of a point is found in two rounds, without a test: for points near the ellipse, such as measured
+// ones, the remaining error of the place enters the depth squared. The centre itself gives NaN. In steps, so
+// that the instructions of a step can serve several points.
+
+[[gnu::always_inline]] inline ellipse_walk_start start_walk(walked_ellipse const& e, double px, double py) {
     double const dx = px - e.x, dy = py - e.y;
-    double const x = dx * ux + dy * uy, y = dx * vx + dy * vy;
-    double u = x / a2, v = y / b2;
-    double const w = std::sqrt(u * u + v * v);
-    u /= w;
-    v /= w;
-    // Both ways are taken and one is kept, so that several points can share the instructions.
-    double iu = u, iv = v, ou = u, ov = v;
-    for (int round = 0; round < 2; ++round) {
-        // Outside: the foot's normal passes the point.
-        double const su = ou * ou * ou * (b2 - a2) + x, sv = ov * ov * ov * (a2 - b2) + y;
-        double const n = std::sqrt(su * su + sv * sv);
-        ou = su / n;
-        ov = sv / n;
-        // Inside, where that would not settle.
-        double const off = iu * y - iv * x, p = iu * b2, q = iv * a2, g = p * p + q * q;
-        double const h = std::sqrt(g - off * off);
-        iu = (p * h - q * off) / g;
-        iv = (q * h + p * off) / g;
-    }
-    u = w > 1.0 ? ou : iu;
-    v = w > 1.0 ? ov : iv;
-    // Tangent V u - U v, turned by minus a quarter.
-    double const tx = vx * u - ux * v, ty = vy * u - uy * v, t = std::sqrt(tx * tx + ty * ty);
+    double const x = dx * (e.cosine * e.a) + dy * (e.sine * e.a);
+    double const y = dx * (-e.sine * e.b) + dy * (e.cosine * e.b);
+    double const u = x / (e.a * e.a), v = y / (e.b * e.b), w = std::sqrt(u * u + v * v);
+    return {x, y, {u / w, v / w}, w};
+}
+
+/// A round for a point outside.
+[[gnu::always_inline]] inline ellipse_place walk_outside(walked_ellipse const& e, double x, double y,
+                                                         ellipse_place p) {
+    double const a2 = e.a * e.a, b2 = e.b * e.b;
+    double const u = p.u * p.u * p.u * (b2 - a2) + x, v = p.v * p.v * p.v * (a2 - b2) + y;
+    double const n = std::sqrt(u * u + v * v);
+    return {u / n, v / n};
+}
+
+/// A round for a point inside or on the ellipse.
+[[gnu::always_inline]] inline ellipse_place walk_inside(walked_ellipse const& e, double x, double y,
+                                                        ellipse_place place) {
+    double const off = place.u * y - place.v * x, p = place.u * (e.b * e.b), q = place.v * (e.a * e.a);
+    double const g = p * p + q * q, h = std::sqrt(g - off * off);
+    return {(p * h - q * off) / g, (q * h + p * off) / g};
+}
+
+[[gnu::always_inline]] inline ellipse_foot foot_at(walked_ellipse const& e, ellipse_place p, double px,
+                                                   double py) {
+    double const ux = e.cosine * e.a, uy = e.sine * e.a, vx = -e.sine * e.b, vy = e.cosine * e.b;
+    // The tangent V u - U v, turned back by a quarter.
+    double const tx = vx * p.u - ux * p.v, ty = vy * p.u - uy * p.v, t = std::sqrt(tx * tx + ty * ty);
     double const nx = ty / t, ny = -tx / t;
-    double const fx = e.x + ux * u + vx * v, fy = e.y + uy * u + vy * v;
-    return {u, v, nx, ny, (fx - px) * nx + (fy - py) * ny};
+    double const fx = e.x + ux * p.u + vx * p.v, fy = e.y + uy * p.u + vy * p.v;
+    return {nx, ny, (fx - px) * nx + (fy - py) * ny};
+}
+
+inline ellipse_place walk_to_foot(walked_ellipse const& e, double px, double py) {
+    auto const [x, y, start, distance] = start_walk(e, px, py);
+    return distance > 1.0 ? walk_outside(e, x, y, walk_outside(e, x, y, start))
+                          : walk_inside(e, x, y, walk_inside(e, x, y, start));
 }
 
 }  // namespace tvmath
