@@ -64,8 +64,9 @@ bool iterate(IterativeLSF& model, product_sums const& sum, last_steps& steps) {
             if (std::isnan(sse)) return false;
             // Exact: 0 is the mark of the first evaluation, and of a start that fits perfectly.
             if (first_sse == 0.0 || sse < previous_sse) break;
-            // A step that has shrunk to nothing is kept, although the sum did not fall.
-            if (dot(step, step) <= retreat_stop * dot(previous, previous) * squared_tolerance) break;
+            // A step that has shrunk to nothing is kept, although the sum did not fall. So is one that cannot
+            // be compared, among NaN parameters.
+            if (!(dot(step, step) > retreat_stop * dot(previous, previous) * squared_tolerance)) break;
             step *= retreat;
             parameters = previous + step;
         }
