@@ -196,33 +196,14 @@ TEST(CircleFitter, LiesAtTheMeanHeightOfAll) {
     EXPECT_NEAR(found.geometry.radius(), 5, 1e-14);
 }
 
-// Sets with published answers, verified to 25 digits by Newton's method in 60.
-TEST(Fitters, ReproducePublishedSets) {
-    std::vector<point> const circle_set = {at(1, 7, 0), at(2, 6, 0), at(5, 8, 0),
-                                           at(7, 7, 0), at(9, 5, 0), at(3, 7, 0)};
+// Gander, Golub, Strebel, BIT 34 (1994) 558-578; the answer by Newton's method in 60 digits.
+TEST(CircleFitter, ReproducesThePublishedCircle) {
     circle_fitter c;
-    c.add(fit(circle_set));
-    Circle_Description circle_found;
-    ASSERT_TRUE(c.result(circle_found));  // Gander, Golub, Strebel, BIT 34 (1994) 558-578
-    EXPECT_LE(distance2d(circle_found.geometry.center(), at(4.739782410906074, 2.9835326992924753)), 1e-12);
-    EXPECT_NEAR(circle_found.geometry.radius(), 4.71422603779211, 1e-12);
-
-    double const pcl[][3] = {
-        {1.471, 3.144, -2.653},  {1.411, 6.876, -0.966}, {1.587, 8.683, 3.456},  {1.449, 6.97, 7.791},
-        {1.583, 3.141, 9.649},   {2.187, 2.442, -2.689}, {5.885, 2.565, -0.971}, {7.679, 2.594, 3.5},
-        {5.977, 2.507, 7.952},   {2.11, 2.419, 9.706},   {1.54, 1.898, -2.671},  {1.533, -1.977, -0.964},
-        {1.588, -3.721, 3.454},  {1.534, -1.829, 7.823}, {1.472, 1.903, 9.604},  {0.945, 2.474, -2.701},
-        {-2.813, 2.467, -0.903}, {-4.764, 2.494, 3.428}, {-2.912, 2.546, 7.884}, {0.783, 2.409, 9.746}};
-    std::vector<point> sphere_set;
-    for (auto const& p : pcl) sphere_set.push_back(at(p[0], p[1], p[2]));
-    sphere_fitter s;
-    s.add(fit(sphere_set));
-    Sphere_Description sphere_found;
-    ASSERT_TRUE(s.result(sphere_found));  // OSGeoLabBp, data processing lessons
-    EXPECT_LE(distance3d(sphere_found.geometry.center(),
-                         at(1.5110784454313437, 2.492524964851146, 3.4908524160339383)),
-              1e-12);
-    EXPECT_NEAR(sphere_found.geometry.radius(), 6.2189729443193205, 1e-12);
+    c.add(fit({at(1, 7, 0), at(2, 6, 0), at(5, 8, 0), at(7, 7, 0), at(9, 5, 0), at(3, 7, 0)}));
+    Circle_Description found;
+    ASSERT_TRUE(c.result(found));
+    EXPECT_LE(distance2d(found.geometry.center(), at(4.739782410906074, 2.9835326992924753)), 1e-12);
+    EXPECT_NEAR(found.geometry.radius(), 4.71422603779211, 1e-12);
 }
 
 // The same points, moved and scaled by powers of 2 that leave every coordinate exact, give the same feature
@@ -251,11 +232,9 @@ TEST(Fitters, KeepTheDigitsOfFarAndTinyFeatures) {
     }
 }
 
-// Scatter along the normals that alternates between points opposite each other leaves an ellipse's centre
-// and, being of second order in the others, hardly moves the rest.
 TEST(EllipseFitter, FindsEllipsesFreeAndCentred) {
     seeded_random random(6);
-    for (int trial = 0; trial < 100; ++trial) {
+    for (int trial = 0; trial < 50; ++trial) {
         SCOPED_TRACE(trial);
         double const b = random.log_uniform(1e-3, 1e3), a = b * random.uniform(1.1, 5),
                      angle = random.uniform(-1.5, 1.5);
@@ -330,7 +309,6 @@ TEST(Fitters, LeaveTheRecordAloneWhenTheyFail) {
         {"two points", {through(at(0, 0, 0)), through(at(1, 0, 0))}},
         {"2D point", {with(at(1, 1))}},
         {"direction", {with(point(false, 1, 1, 1))}},
-        {"trivial point", {with(point())}},
         {"empty list", {fit(std::vector<point>()), fit(square)}},
         {"NaN", {with(at(nan, 1, 1))}},
         {"infinity", {with(at(1, -inf, 1))}},
