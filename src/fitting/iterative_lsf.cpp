@@ -110,8 +110,8 @@ void approach_on_constraints(IterativeLSF& model, product_sums const& sum) {
     for (int round = 0; round < 100 && next_step(model, sums, step); ++round) {
         vector const from = model.parameters;
         double const sse = sums.back();
-        for (double part = 1; part > 1e-6; part /= 4) {
-            model.parameters = from + part * step;
+        for (int cut = 0; cut < 10; ++cut, step *= 0.25) {
+            model.parameters = from + step;
             restore(model);
             sums = sums_at_present(model, sum);
             if (sums.back() < sse) break;
