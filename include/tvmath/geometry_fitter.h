@@ -111,7 +111,7 @@ protected:
     constraint* first_ = nullptr;
 };
 
-/// A point: the mean of the given centre and the fitted points. Fills a `Point_Description`.
+/// A point: the given centre or the mean of the fitted points. Fills a `Point_Description`.
 class TVMATH_API point_fitter : public fitter {
 public:
     bool can_add(std::type_info const& kind) const override;
@@ -121,6 +121,12 @@ public:
 
 /// A line in XY that spans what it was given: through points, parallel or perpendicular to a line, or along
 /// the principal axis. Fills a `Segment_Description`.
+///
+/// It passes the anchor, the through point added last, else the centre, else the centroid, and reaches as far
+/// as all points do, about a centre equally far to both sides. A parallel line keeps the length of the given
+/// one where the points span less than 1e-5; a perpendicular line runs from the given one outward, from the
+/// anchor on and at least as far as the given one is long. False for points without a principal axis and for
+/// a given line without extent in XY.
 class TVMATH_API line_fitter : public fitter {
 public:
     bool can_add(std::type_info const& kind) const override;
@@ -130,6 +136,14 @@ public:
 
 /// A circle in a plane parallel to XY, at the mean height of what it was given: least squares of the fitted
 /// points, exactly through points and touching lines. Fills a `Circle_Description`.
+///
+/// Conditions that leave no redundancy are solved in closed form; of two circles the smaller one is taken,
+/// and of those that touch three lines the in-circle of their triangle. False also for points on one line,
+/// for a through point on the line to be touched, and for three lines that form no triangle. Noise makes
+/// short arcs weak: below a height of the arc of some ten times the noise, its radius means little.
+///
+/// Starting values by the algebraic circle under the same conditions, see `circle_quick_fit`; then
+/// `IterativeLSF`.
 class TVMATH_API circle_fitter : public fitter {
 public:
     bool can_add(std::type_info const& kind) const override;
@@ -137,13 +151,18 @@ public:
     int degrees_of_freedom() const override;
 };
 
-/// The same, with the range of angles that all it was given spans. Fills an `Arc_Description`.
+/// The same, with the range of angles that all it was given spans: the complement of the largest gap between
+/// the angles of the points and of the contacts with lines. A single angle gives a range of -2 pi. Fills an
+/// `Arc_Description`.
 class TVMATH_API arc_fitter : public circle_fitter {
 public:
     bool result(Geometry_Description& description) override;
 };
 
 /// A sphere: least squares of the fitted points, exactly through points. Fills a `Sphere_Description`.
+///
+/// Planes can be touched only about a given centre; without one, the result is false. So it is for points in
+/// a plane.
 class TVMATH_API sphere_fitter : public fitter {
 public:
     bool can_add(std::type_info const& kind) const override;
@@ -151,7 +170,12 @@ public:
     int degrees_of_freedom() const override;
 };
 
-/// An ellipse in a plane parallel to XY. Fills an `Ellipse_Description`.
+/// An ellipse in a plane parallel to XY, at the mean height of the points or at that of a given centre.
+/// Fills an `Ellipse_Description`.
+///
+/// Needs 5 points, or 3 about a centre; of just these it is the one of `ellipse_quick_fit`. Distances count
+/// from a foot found in two rounds, which for much scatter about a narrow ellipse is not quite the nearest
+/// point. False also for short arcs with noise, whose points many ellipses fit alike.
 class TVMATH_API ellipse_fitter : public fitter {
 public:
     bool can_add(std::type_info const& kind) const override;

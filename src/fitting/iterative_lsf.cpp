@@ -64,8 +64,9 @@ bool iterate(IterativeLSF& model, product_sums const& sum, last_steps& steps) {
             if (std::isnan(sse)) return false;
             // Exact: 0 is the mark of the first evaluation, and of a start that fits perfectly.
             if (first_sse == 0.0 || sse < previous_sse) break;
-            // A step that has shrunk to nothing is kept, although the sum did not fall.
-            if (dot(step, step) <= retreat_stop * dot(previous, previous) * squared_tolerance) break;
+            // A step that has shrunk to nothing is kept, although the sum did not fall. So is one that cannot
+            // be compared, among NaN parameters.
+            if (!(dot(step, step) > retreat_stop * dot(previous, previous) * squared_tolerance)) break;
             step *= retreat;
             parameters = previous + step;
         }
@@ -109,8 +110,8 @@ void approach_on_constraints(IterativeLSF& model, product_sums const& sum) {
     for (int round = 0; round < 100 && next_step(model, sums, step); ++round) {
         vector const from = model.parameters;
         double const sse = sums.back();
-        for (double part = 1; part > 1e-6; part /= 4) {
-            model.parameters = from + part * step;
+        for (int cut = 0; cut < 10; ++cut, step *= 0.25) {
+            model.parameters = from + step;
             restore(model);
             sums = sums_at_present(model, sum);
             if (sums.back() < sse) break;

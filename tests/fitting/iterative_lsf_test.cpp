@@ -64,7 +64,6 @@ TEST(IterativeLSF, KeepsConstraints) {
         jacobian(0)(0) = 1;
         return vector(1, q[0] - 1);
     };
-    // From the start the sum is already lower than on the constraint: the loop keeps the first full step.
     ASSERT_TRUE(m.solve(four));
     EXPECT_NEAR(m.parameters[0], 1, 1e-14);
     EXPECT_NEAR(m.parameters[1], 15.0 / 14, 1e-14);

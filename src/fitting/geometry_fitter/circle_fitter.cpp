@@ -65,7 +65,7 @@ bool circle_fitter::result(Geometry_Description& description) {
                                      found.geometry)) {
         return false;
     }
-    return !_isnan(found.geometry) && description.assign(found);
+    return std::isfinite(found.geometry.radius()) && !_isnan(found.geometry) && description.assign(found);
 }
 
 bool arc_fitter::result(Geometry_Description& description) {

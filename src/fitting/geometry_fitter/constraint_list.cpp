@@ -94,6 +94,9 @@ fitter::~fitter() {
 
 void fitter::add(constraint* c) {
     if (!c || !can_add(typeid(*c))) return;
+    for (constraint const* held = first_; held; held = held->next) {
+        if (held == c) return;  // twice in the list it would be deleted twice
+    }
     c->next = first_;
     first_ = c;
 }

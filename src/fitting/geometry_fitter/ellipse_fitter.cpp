@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "constraint_list.h"
-#include "fitting/ellipse_walk.h"
+#include "ellipse_walk.h"
 #include "fitting/iterative_solve.h"
 #include "row_block.h"
 #include "tvmath/ellipse_fit.h"
@@ -19,29 +19,58 @@ struct ellipse_row {
     double gradient[5], depth;
 };
 
-[[gnu::always_inline]] inline ellipse_row row_of(walked_ellipse const& e, double x, double y) {
-    ellipse_foot const f = walk_to_foot(e, x, y);
+[[gnu::always_inline]] inline ellipse_row row_at(walked_ellipse const& e, ellipse_place const& at, double x,
+                                                 double y) {
+    ellipse_foot const f = foot_at(e, at, x, y);
     double const nu = e.cosine * f.normal_x + e.sine * f.normal_y;
     double const nv = -e.sine * f.normal_x + e.cosine * f.normal_y;
-    return {{f.normal_x, f.normal_y, f.u * nu, f.v * nv, (f.u * nv) * e.a - (f.v * nu) * e.b}, f.depth};
+    return {{f.normal_x, f.normal_y, at.u * nu, at.v * nv, (at.u * nv) * e.a - (at.v * nu) * e.b}, f.depth};
 }
 
-// Products of the rows of all points about the start.
+// Products of the rows of all points about the start. Every point goes both ways, outside and inside, and
+// keeps one: that is less work than a choice for each point.
 TVMATH_WIDE_LOOP void sum_ellipse(std::vector<point> const& points, double start_x, double start_y,
-                                  walked_ellipse const at, double* sums) {
+                                  walked_ellipse const e, double* sums) {
     row_block<6> rows;
+    constexpr std::size_t size = rows.size;
+    alignas(32) double px[size] = {}, py[size] = {}, x[size], y[size], distance[size];
+    alignas(32) double u[size], v[size], inner_u[size], inner_v[size];
     auto& column = rows.column;
-    for (auto& values : rows.column) std::fill(std::begin(values), std::end(values), 0.0);
-    for (std::size_t first = 0; first < points.size(); first += rows.size) {
-        std::size_t const count = std::min(rows.size, points.size() - first);
+    for (std::size_t first = 0; first < points.size(); first += size) {
+        std::size_t const count = std::min(size, points.size() - first);
         point const* const p = points.data() + first;
         for (std::size_t i = 0; i < count; ++i) {
-            column[0][i] = p[i].x();
-            column[1][i] = p[i].y();
+            px[i] = p[i].x() - start_x;
+            py[i] = p[i].y() - start_y;
         }
-        for (std::size_t i = 0; i < rows.size; ++i) {
-            ellipse_row const row = row_of(at, column[0][i] - start_x, column[1][i] - start_y);
-            for (int k = 0; k < 5; ++k) column[k][i] = row.gradient[k];
+        for (std::size_t i = 0; i < size; ++i) {
+            ellipse_walk_start const s = start_walk(e, px[i], py[i]);
+            x[i] = s.x;
+            y[i] = s.y;
+            u[i] = s.place.u;
+            v[i] = s.place.v;
+            distance[i] = s.distance;
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            ellipse_place const inside = walk_inside(e, x[i], y[i], walk_inside(e, x[i], y[i], {u[i], v[i]}));
+            inner_u[i] = inside.u;
+            inner_v[i] = inside.v;
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            ellipse_place const outside =
+                walk_outside(e, x[i], y[i], walk_outside(e, x[i], y[i], {u[i], v[i]}));
+            u[i] = outside.u;
+            v[i] = outside.v;
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            bool const outside = distance[i] > 1.0;
+            u[i] = outside ? u[i] : inner_u[i];
+            v[i] = outside ? v[i] : inner_v[i];
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            ellipse_row const row = row_at(e, {u[i], v[i]}, px[i], py[i]);
+#pragma GCC unroll 5
+            for (std::size_t k = 0; k < 5; ++k) column[k][i] = row.gradient[k];
             column[5][i] = row.depth;
         }
         rows.add_products(sums, count);
@@ -59,7 +88,8 @@ public:
     }
 
     double residual(point p, vector& gradient) override {
-        ellipse_row const row = row_of(present(), p.x(), p.y());
+        walked_ellipse const e = present();
+        ellipse_row const row = row_at(e, walk_to_foot(e, p.x(), p.y()), p.x(), p.y());
         gradient = vector(5, row.gradient);
         return row.depth;
     }

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "constraint_list.h"
+#include "geometry/xyz.h"
 #include "planar.h"
 #include "tvmath/quick_fit.h"
 
@@ -120,7 +121,7 @@ bool point_fitter::result(Geometry_Description& description) {
     centered_cnst const* const centre = next_of<centered_cnst>(first_);
     Point_Description found;
     found.position = centre ? centre->center : point_fit(fit_points(first_));
-    return !_isnan(found.position) && description.assign(found);
+    return xyz(found.position).is_finite() && description.assign(found);
 }
 
 bool line_fitter::can_add(std::type_info const& kind) const {

@@ -149,7 +149,7 @@ bool sphere_fitter::result(Geometry_Description& description) {
                !least_squares_sphere(fit_points(first_), through_points(first_), found.geometry)) {
         return false;
     }
-    return !_isnan(found.geometry) && description.assign(found);
+    return std::isfinite(found.geometry.radius()) && !_isnan(found.geometry) && description.assign(found);
 }
 
 }  // namespace geometry_fitter
