@@ -17,10 +17,10 @@ struct ellipse_foot {
 };
 
 /// The foot of (x, y) on the ellipse of half-axes `a` along X and `b` along Y, by two rounds of a walk on the
-/// unit circle and no test of convergence: near the ellipse, where measured points are, the walk ends within
-/// rounding of the foot, and as the deviation is stationary there it is more exact still. Far from the
-/// ellipse, or for a narrow one, the foot is an approximation, but a smooth function of everything, which is
-/// what an iteration over it needs. NaN for the centre and for a half-axis of 0.
+/// unit circle and no test of convergence. The deviation is stationary at the foot, so it is better than the
+/// foot itself: at a hundredth of `b` off the ellipse its error is 5e-13 of `b` for a = 2 b and 5e-8 for a =
+/// 20 b, and rounding at a ten-thousandth. Farther off it is an approximation, but a smooth function of
+/// everything, which is what an iteration over it needs. NaN for the centre and for a half-axis of 0.
 inline ellipse_foot walk_to_ellipse(double x, double y, double a, double b) {
     double const X = x * a, Y = y * b, aa = a * a, bb = b * b;
     double u = X / aa, v = Y / bb;

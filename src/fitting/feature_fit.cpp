@@ -17,13 +17,19 @@ bool all_finite(point const& p) {
     return xyz(p).is_finite();
 }
 
+template <class shape>
+shape finite_shape(double radius, point const& center) {
+    return std::isfinite(radius) && all_finite(center) ? shape(radius, center) : shape();
+}
+
 // The feature that the constrained fitter makes of the points alone; null when it makes none.
 template <class fitter, class description, class list>
 auto fitted(list const& points) {
     fitter iteration;
     iteration.add(geometry_fitter::fit(points));
     description found;
-    return iteration.result(found) ? found.geometry : decltype(found.geometry)();
+    bool const settled = iteration.result(found) && all_finite(found.geometry.basis(0));
+    return settled ? found.geometry : decltype(found.geometry)();
 }
 
 template <class list>
@@ -52,8 +58,7 @@ circle fit_circle(list const& points) {
     point center;
     double radius = 0;
     // The sums of points on one line may overflow instead of vanishing.
-    bool const found = circle_quick_fit(points, center, radius) && std::isfinite(radius);
-    return found ? circle(radius, center) : circle();
+    return circle_quick_fit(points, center, radius) ? finite_shape<circle>(radius, center) : circle();
 }
 
 // Mean distance of the points from `center`, a NaN when there is a trivial point or none at all. A distance
@@ -71,8 +76,7 @@ double mean_distance(xyz const& center, std::span<point const> points, bool in_s
 template <class shape>
 shape fit_about(point const& center, std::span<point const> points, bool in_space) {
     if (center.is_trivial()) return shape();
-    double const radius = mean_distance(xyz(center), points, in_space);
-    return std::isfinite(radius) ? shape(radius, center) : shape();
+    return finite_shape<shape>(mean_distance(xyz(center), points, in_space), center);
 }
 
 }  // namespace
@@ -84,10 +88,10 @@ line line_fit(idioms::array<point> points) {
         point first = p[0], second = p[1];
         first.to_location();
         second.to_location();
-        return all_finite(first) && all_finite(second) ? line(first, second) : line();
+        return all_finite(first - second) && all_finite(first + second) ? line(first, second) : line();
     }
     point center, direction;
-    if (!line_quick_fit(points, center, direction) || !all_finite(direction)) return line();
+    if (!line_quick_fit(points, center, direction)) return line();
 
     interval along{0, 0};  // the centroid belongs to the line
     for (unsigned int i = 0; i < n; ++i) {
@@ -96,7 +100,7 @@ line line_fit(idioms::array<point> points) {
     point const middle = center + direction * ((along.low + along.high) / 2);
     point half = direction * ((along.high - along.low) / 2);
     if (dot2d(p[n - 1] - p[0], half) < 0.0) half = -half;
-    return line(middle, half);
+    return all_finite(middle) && all_finite(half) ? line(middle, half) : line();
 }
 
 circle circle_fit(std::vector<point> const& points) {
@@ -110,8 +114,8 @@ circle circle_fit(idioms::array<point> points) {
 circle circle_2pt_fit(idioms::array<point> points) {
     if (points.capacity() != 2) return circle_fit(points);
     point const center = point_fit(points);
-    double const radius = distance2d(points[0], points[1]) / 2;
-    return center.is_trivial() || !std::isfinite(radius) ? circle() : circle(radius, center);
+    if (center.is_trivial()) return circle();
+    return finite_shape<circle>(distance2d(points[0], points[1]) / 2, center);
 }
 
 circle circle_centered_fit(point center, std::vector<point> const& points) {
@@ -128,8 +132,7 @@ sphere sphere_fit(std::vector<point> const& points) {
     if (distinct > 4) return fitted<geometry_fitter::sphere_fitter, Sphere_Description>(points);
     point center;
     double radius = 0;
-    bool const found = sphere_quick_fit(points, center, radius) && std::isfinite(radius);
-    return found ? sphere(radius, center) : sphere();
+    return sphere_quick_fit(points, center, radius) ? finite_shape<sphere>(radius, center) : sphere();
 }
 
 sphere sphere_centered_fit(point center, std::vector<point> const& points) {
