@@ -231,13 +231,14 @@ TEST(ShapeConstructors, PassThroughTheirPoints) {
 }
 
 TEST(ShapeFit, LiesAtTheMeanHeightOfPointsInSpace) {
-    seeded_random random(6);
-    std::vector<point> points = sides_of(random, {at(0, 0), 4, 2, 0.3}, 6, 0.001, "lrbt").shuffled();
-    for (std::size_t i = 0; i < points.size(); ++i) points[i] = points[i] + point(false, 0, 0, i % 2 ? 1 : 3);
-    transform const fitted[] = {rectangle_fit(as_array(points), rectangle()), gap_fit(points)};
+    idioms::array<point> const points =
+        as_array({at(-4, -1, 1), at(3, -1, 3), at(5, 0, 1), at(2, 1, 3), at(-5, 0, 1), at(-3, 1, 3)});
+    transform const fitted[] = {rectangle_fit(points, rectangle()), slot_fit(points),
+                                gap_fit({at(-4, -1, 1), at(3, -1, 3), at(2, 1, 3), at(-3, 1, 1)})};
     for (transform const& t : fitted) {
         EXPECT_NEAR(t.basis(0).z(), 2, 1e-14);
         EXPECT_TRUE(t.basis(3) == point(false, 0, 0, 1));
+        EXPECT_NEAR(t.size(2), 1, 1e-12);
     }
 }
 
