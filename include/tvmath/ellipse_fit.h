@@ -13,9 +13,10 @@ inline namespace tvmath {
 // units. A trivial point in the list, or a coordinate that is not finite, makes every fit fail; nothing
 // raises.
 
-/// Algebraic ellipse of least squares, without starting values: minimises the sum of squares of
-/// a x² + b x y + c y² + d x + e y + f under 4 a c - b² = 1. Of the points of an ellipse it gives that
-/// ellipse; noise makes it too small, the more so the shorter the arc, for which `ellipse_fit` is the remedy.
+/// Algebraic ellipse, without starting values: the conic with the least mean square of its values over that
+/// of its gradients at the points, which is nearly that of the distances. Where noise on a short arc makes
+/// that no ellipse, the one with the least sum of squares of a x² + b x y + c y² + d x + e y + f under 4 a c
+/// - b² = 1, which always is one, though too small. Of the points of an ellipse both are that ellipse.
 ///
 /// Returns true and sets `center`, at the mean z of a 3D list, and the half-axes, `major` the longer one, as
 /// 2D directions at a right angle. Needs 5 different points, no 4 of them on a line. Returns false, outputs
@@ -23,10 +24,10 @@ inline namespace tvmath {
 /// the last digit, as 5 points may. Where they merely scatter about one, the answer is an ellipse, a long
 /// one.
 ///
-/// Source: A. Fitzgibbon, M. Pilu, R. B. Fisher, Direct least square fitting of ellipses, IEEE Trans. PAMI 21
-/// (1999) 476-480; reduced as by R. Halir, J. Flusser, Numerically stable direct least squares fitting of
-/// ellipses, WSCG 1998, but by orthogonal steps in affinely normalised coordinates, which change nothing but
-/// the rounding.
+/// Sources: G. Taubin, IEEE Trans. PAMI 13 (1991) 1115-1138; A. Fitzgibbon, M. Pilu, R. B. Fisher, Direct
+/// least square fitting of ellipses, IEEE Trans. PAMI 21 (1999) 476-480, reduced as by R. Halir, J. Flusser,
+/// Numerically stable direct least squares fitting of ellipses, WSCG 1998. By orthogonal steps in affinely
+/// normalised coordinates, which change nothing but the rounding.
 TVMATH_API bool ellipse_quick_fit(std::vector<point> const& points, point& center, point& major,
                                   point& minor);
 TVMATH_API bool ellipse_quick_fit(idioms::array<point> points, point& center, point& major, point& minor);

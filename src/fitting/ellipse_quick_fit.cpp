@@ -31,64 +31,54 @@ struct normal_frame {
     double lean, along, across;
 };
 
-// The conic's quadratic terms: p (u² + v²) / 2 + q (u² - v²) / 2 + b u v, so that 4 a c - b² = p² - q² - b².
-triple quadratic_terms(xy const& w) {
+// The terms of a conic but the constant: u, v, and p (u² + v²) / 2 + q (u² - v²) / 2 + b u v, so that 4 a c -
+// b² of its quadratic part is p² - q² - b². A conic about a given centre has only the quadratic ones.
+constexpr unsigned int term_count = 5;
+using term_row = std::array<double, term_count>;
+
+term_row terms_of(xy const& w, bool centered) {
     double const uu = w.x * w.x, vv = w.y * w.y;
-    return {(uu + vv) / 2, (uu - vv) / 2, w.x * w.y};
+    return {centered ? 0 : w.x, centered ? 0 : w.y, (uu + vv) / 2, (uu - vv) / 2, w.x * w.y};
 }
 
-// What each quadratic term has in common with 1, u and v, which are orthonormal over the points: its
-// least-squares substitute by them.
-struct linear_parts {
-    std::array<triple, 3> of_one_u_v{};
-};
-
-linear_parts project(std::vector<xy> const& points, normal_frame const& frame, bool centered) {
-    linear_parts parts;
+// The means, which a constant takes away from the terms.
+term_row mean_terms(std::vector<xy> const& points, normal_frame const& frame, bool centered) {
+    term_row means{};
     for (xy const& p : points) {
-        xy const w = frame.inward(p);
-        triple const terms = quadratic_terms(w);
-        for (unsigned int k = 0; k < 3; ++k) {
-            parts.of_one_u_v[0][k] += terms[k];
-            parts.of_one_u_v[1][k] += terms[k] * w.x;
-            parts.of_one_u_v[2][k] += terms[k] * w.y;
-        }
+        term_row const terms = terms_of(frame.inward(p), centered);
+        for (unsigned int k = 0; k < term_count; ++k) means[k] += terms[k];
     }
-    for (auto& part : parts.of_one_u_v) {
-        for (double& x : part) x /= static_cast<double>(points.size());
-    }
-    // The conic about a given centre has no linear terms.
-    if (centered) parts.of_one_u_v[1] = parts.of_one_u_v[2] = triple{};
-    return parts;
+    for (double& mean : means) mean /= static_cast<double>(points.size());
+    return means;
 }
 
 // The triangular factor of rows that come one by one. Householder steps on blocks, so that no square of the
 // rows is formed and a small residual keeps its digits beside large ones.
 class triangular_factor {
 public:
-    void add(triple const& row) {
-        for (unsigned int k = 0; k < 3; ++k) column_[k][filled_] = row[k];
+    void add(term_row const& row) {
+        for (unsigned int k = 0; k < term_count; ++k) column_[k][filled_] = row[k];
         if (++filled_ == block) reduce();
     }
     matrix result() {
         reduce();
-        matrix r(3, 3);
-        for (unsigned int i = 0; i < 3; ++i) {
-            for (unsigned int k = i; k < 3; ++k) r(i)(k) = column_[k][i];
+        matrix r(term_count, term_count);
+        for (unsigned int i = 0; i < term_count; ++i) {
+            for (unsigned int k = i; k < term_count; ++k) r(i)(k) = column_[k][i];
         }
         return r;
     }
 
 private:
     void reduce() {
-        for (unsigned int k = 0; k < 3; ++k) {
+        for (unsigned int k = 0; k < term_count; ++k) {
             double* const a = column_[k].data();
             double norm = 0;
             for (unsigned int i = k; i < filled_; ++i) norm += a[i] * a[i];
             norm = std::sqrt(norm);
             if (!(norm > 0)) continue;
             double const diagonal = a[k] > 0 ? -norm : norm, head = a[k] - diagonal;
-            for (unsigned int j = k + 1; j < 3; ++j) {
+            for (unsigned int j = k + 1; j < term_count; ++j) {
                 double* const b = column_[j].data();
                 double product = head * b[k];
                 for (unsigned int i = k + 1; i < filled_; ++i) product += a[i] * b[i];
@@ -99,12 +89,12 @@ private:
             a[k] = diagonal;
             std::fill(a + k + 1, a + filled_, 0.0);
         }
-        filled_ = 3;
+        filled_ = term_count;
     }
 
     static constexpr unsigned int block = 256;
-    std::array<std::array<double, block>, 3> column_{};
-    unsigned int filled_ = 3;  // the first three rows are the factor of what came before
+    std::array<std::array<double, block>, term_count> column_{};
+    unsigned int filled_ = term_count;  // the first rows are the factor of what came before
 };
 
 // The x of least |r x| with p² - q² - b² = 1. False when r leaves more than one free, or leaves just one
@@ -142,6 +132,50 @@ bool least_ellipse(matrix const& r, double resolution, triple& x) {
     return true;
 }
 
+// Fitzgibbon's conic: the quadratic part by the rows that stand below the linear terms, which then follow.
+bool constrained_conic(matrix const& r, double resolution, bool centered, term_row& x) {
+    triple quadratic{};
+    if (!least_ellipse(keep_matrix(r, 2, 3, 2, 3), resolution, quadratic)) return false;
+    x = {0, 0, quadratic[0], quadratic[1], quadratic[2]};
+    for (unsigned int i = centered ? 0 : 2; i-- > 0;) {
+        for (unsigned int k = i + 1; k < term_count; ++k) x[i] -= r[i][k] * x[k];
+        x[i] /= r[i][i];
+    }
+    return true;
+}
+
+// The smallest mean square of a conic's value at the points over that of its gradient, in the caller's
+// coordinates: for noise that is small against the curvature, of the distance. The means of the gradients'
+// products are those of the moments, which the frame has made 0 and 1. False when that is no ellipse.
+bool quotient_conic(matrix r, normal_frame const& frame, bool centered, term_row& x) {
+    // The covariance of u and v for points of a round scatter, on the scale of the larger one.
+    double const tilt = frame.lean, flat = frame.across / frame.along;
+    double const uu = flat * flat, uv = -tilt * flat, vv = 1 + tilt * tilt, s = uu + vv, d = uu - vv;
+    double const gradients[term_count][term_count] = {
+        {uu, uv, 0, 0, 0}, {uv, vv, 0, 0, 0}, {0, 0, s, d, 2 * uv}, {0, 0, d, s, 0}, {0, 0, 2 * uv, 0, s}};
+    unsigned int const first = centered ? 2 : 0, n = term_count - first;
+    matrix root(n, n);  // lower triangular, root rootᵀ = gradients
+    for (unsigned int i = 0; i < n; ++i) {
+        for (unsigned int j = 0; j <= i; ++j) {
+            double sum = gradients[first + i][first + j];
+            for (unsigned int k = 0; k < j; ++k) sum -= root[i][k] * root[j][k];
+            if (i == j && !(sum > 0)) return false;
+            root(i)(j) = i == j ? std::sqrt(sum) : sum / root[j][j];
+        }
+    }
+    r = keep_matrix(r, first, n, first, n);
+    if (!r.times_inverse_of(transpose(root))) return false;
+    matrix u, v;
+    vector const values = singular_value_decomposition(r, u, v);
+    unsigned int least = 0;
+    for (unsigned int i = 1; i < n; ++i) least = values[i] < values[least] ? i : least;
+    vector conic = v.col(least);
+    if (!conic.times_inverse_of(root)) return false;
+    x = {};
+    for (unsigned int i = 0; i < n; ++i) x[first + i] = conic[i];
+    return x[2] * x[2] - x[3] * x[3] - x[4] * x[4] > 0;
+}
+
 struct planar_ellipse {
     xy center, major, minor;
 };
@@ -152,24 +186,21 @@ bool fit_scatter(planar_points const& points, planar_scatter const& scatter, boo
     double const rounding = 4 * (points.resolution + 1e-16 * scatter.along);
     if (!(scatter.across > rounding) || !std::isfinite(scatter.along)) return false;
     normal_frame const frame(scatter);
-    linear_parts const parts = project(points.at, frame, centered);
+    term_row const means = mean_terms(points.at, frame, centered);
     triangular_factor factor;
     for (xy const& p : points.at) {
-        xy const w = frame.inward(p);
-        triple row = quadratic_terms(w);
-        for (unsigned int k = 0; k < 3; ++k) {
-            row[k] -= parts.of_one_u_v[0][k] + parts.of_one_u_v[1][k] * w.x + parts.of_one_u_v[2][k] * w.y;
-        }
+        term_row row = terms_of(frame.inward(p), centered);
+        for (unsigned int k = 0; k < term_count; ++k) row[k] -= means[k];
         factor.add(row);
     }
-    triple x{};
-    if (!least_ellipse(factor.result(), std::max(1e-13, points.resolution / scatter.across), x)) return false;
+    matrix const r = factor.result();
+    term_row x{};
+    if (!constrained_conic(r, std::max(1e-13, points.resolution / scatter.across), centered, x)) return false;
+    if (term_row better{}; quotient_conic(r, frame, centered, better)) x = better;
 
-    triple linear{};
-    for (unsigned int i = 0; i < 3; ++i) {
-        for (unsigned int k = 0; k < 3; ++k) linear[i] -= x[k] * parts.of_one_u_v[i][k];
-    }
-    ellipse const normal((x[0] + x[1]) / 2, x[2], (x[0] - x[1]) / 2, linear[1], linear[2], linear[0]);
+    double constant = 0;
+    for (unsigned int k = 0; k < term_count; ++k) constant -= x[k] * means[k];
+    ellipse const normal((x[2] + x[3]) / 2, x[4], (x[2] - x[3]) / 2, x[0], x[1], constant);
     if (normal.is_trivial()) return false;
     auto const outward = [&](point const& d) { return frame.outward_direction({d.x(), d.y()}); };
     fitted = {frame.center + outward(normal.basis(0)), outward(normal.basis(1)), outward(normal.basis(2))};

@@ -17,6 +17,7 @@ xy principal_axis(double xx, double xy_, double yy) {
 planar_points relative_to(point const& origin, std::span<point const> points) {
     if (origin.is_trivial()) return {};
     planar_points relative{origin, {}, 0};
+    relative.origin.to_location();
     relative.at.reserve(points.size());
     double const ox = origin.x(), oy = origin.y();
     double largest = 0, sum = 0;

@@ -1,8 +1,11 @@
 #include "tvmath/ring_fit.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <numeric>
 
+#include "geometry/point_lanes.h"
 #include "planar_points.h"
 #include "tvmath/feature_fit.h"
 #include "tvmath/matrix.h"
@@ -12,52 +15,90 @@
 inline namespace tvmath {
 namespace {
 
-struct polar {
-    double radius, cosine, sine;
+// Points by distance and direction from the centre, eight at a time: the waves of one point follow from each
+// other, those of eight fill the registers. Missing points of the last block have weight 0.
+constexpr unsigned int lanes = 8;
+using lane_row = std::array<double, lanes>;
+struct polar_block {
+    lane_row weight{}, radius{}, cosine, sine{};
 };
 
+// Empty when a point lies on the centre.
+std::vector<polar_block> blocks_of(std::vector<xy> const& points) {
+    polar_block none;
+    none.cosine.fill(1);
+    std::vector<polar_block> blocks((points.size() + lanes - 1) / lanes, none);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        double const r = std::hypot(points[i].x, points[i].y);
+        if (!(r > 0)) return {};
+        polar_block& block = blocks[i / lanes];
+        block.weight[i % lanes] = 1;
+        block.radius[i % lanes] = r;
+        block.cosine[i % lanes] = points[i].x / r;
+        block.sine[i % lanes] = points[i].y / r;
+    }
+    return blocks;
+}
+
 // Number of harmonics that the points carry; 0 when they are no closed outline.
-unsigned int harmonics_of(std::vector<polar> const& outline) {
+unsigned int harmonics_of(std::vector<xy> const& points) {
     std::vector<double> angles;
-    angles.reserve(outline.size());
-    for (polar const& p : outline) angles.push_back(std::atan2(p.sine, p.cosine));
+    angles.reserve(points.size());
+    for (xy const& p : points) angles.push_back(std::atan2(p.y, p.x));
     std::sort(angles.begin(), angles.end());
     double gap = angles.front() + 2 * pi - angles.back();
     for (std::size_t i = 1; i < angles.size(); ++i) gap = std::max(gap, angles[i] - angles[i - 1]);
-    std::size_t const by_count = std::min<std::size_t>((outline.size() - 1) / 3, 50);
+    std::size_t const by_count = std::min<std::size_t>((points.size() - 1) / 3, 50);
     // Strictly below pi / gap, also where equal steps are rounded.
     double const by_gap = std::ceil(pi / gap * (1 - 1e-9)) - 1;
     return static_cast<unsigned int>(std::min(static_cast<double>(by_count), std::max(by_gap, 0.0)));
 }
 
-// Sums over the points of f cos ka and f sin ka, k up to `order`, for f = 1 or the deviation from a series.
+// Cosine and sine of the next multiple of the angle.
+inline void turn(lane_row& c, lane_row& s, polar_block const& by) {
+    for (unsigned int i = 0; i < lanes; ++i) {
+        double const turned = c[i] * by.cosine[i] - s[i] * by.sine[i];
+        s[i] = s[i] * by.cosine[i] + c[i] * by.sine[i];
+        c[i] = turned;
+    }
+}
+
+// Sums over the points of f cos ka and f sin ka, k up to `order`.
 struct wave_sums {
     std::vector<double> cosines, sines;
-
-    explicit wave_sums(unsigned int order) : cosines(order + 1), sines(order + 1) {}
-    void add(double f, polar const& p) {
-        double c = 1, s = 0;
-        for (std::size_t k = 0; k < cosines.size(); ++k) {
-            cosines[k] += f * c;
-            sines[k] += f * s;
-            double const turned = c * p.cosine - s * p.sine;
-            s = s * p.cosine + c * p.sine;
-            c = turned;
-        }
-    }
 };
 
-double radius_at(vector const& coefficients, polar const& p) {
-    double const* const a = coefficients.begin();
-    unsigned int const n = coefficients.capacity();
-    double sum = a[0], c = p.cosine, s = p.sine;
-    for (unsigned int i = 1; i < n; i += 2) {
-        sum += a[i] * c + a[i + 1] * s;
-        double const turned = c * p.cosine - s * p.sine;
-        s = s * p.cosine + c * p.sine;
-        c = turned;
+// With f the weight, or, of a series, the deviation of the radius from it.
+TVMATH_WIDE_LOOP wave_sums sum_waves(std::vector<polar_block> const& blocks, unsigned int order,
+                                     double const* series, unsigned int coefficient_count) {
+    std::vector<lane_row> cosines(order + 1, lane_row{}), sines(order + 1, lane_row{});
+    for (polar_block const& block : blocks) {
+        lane_row f = block.weight, c, s;
+        c.fill(1);
+        s.fill(0);
+        if (series) {
+            lane_row value;
+            value.fill(series[0]);
+            for (unsigned int k = 1; k < coefficient_count; k += 2) {
+                turn(c, s, block);
+                for (unsigned int i = 0; i < lanes; ++i) value[i] += series[k] * c[i] + series[k + 1] * s[i];
+            }
+            for (unsigned int i = 0; i < lanes; ++i) f[i] *= block.radius[i] - value[i];
+            c.fill(1);
+            s.fill(0);
+        }
+        for (unsigned int k = 0; k <= order; ++k) {
+            for (unsigned int i = 0; i < lanes; ++i) {
+                cosines[k][i] += f[i] * c[i];
+                sines[k][i] += f[i] * s[i];
+            }
+            turn(c, s, block);
+        }
     }
-    return sum;
+    wave_sums sums;
+    for (lane_row const& row : cosines) sums.cosines.push_back(std::accumulate(row.begin(), row.end(), 0.0));
+    for (lane_row const& row : sines) sums.sines.push_back(std::accumulate(row.begin(), row.end(), 0.0));
+    return sums;
 }
 
 // The normal matrix of 1, cos a, sin a, cos 2a, ...: a product of two waves is half a sum of two others.
@@ -87,25 +128,16 @@ matrix normal_matrix(wave_sums const& w, unsigned int order) {
 
 // Empty when the points are no closed outline about the origin of `points`.
 ring fit_outline(planar_points const& points) {
-    std::vector<polar> outline;
-    outline.reserve(points.at.size());
-    for (xy const& p : points.at) {
-        double const r = std::hypot(p.x, p.y);
-        if (!(r > 0)) return ring();
-        outline.push_back({r, p.x / r, p.y / r});
-    }
-    unsigned int const order = outline.size() < 4 ? 0 : harmonics_of(outline);
-    if (order == 0) return ring();
-    wave_sums weights(2 * order);
-    for (polar const& p : outline) weights.add(1, p);
-    matrix const normal = normal_matrix(weights, order);
+    unsigned int const order = points.at.size() < 4 ? 0 : harmonics_of(points.at), n = 2 * order + 1;
+    std::vector<polar_block> const blocks = blocks_of(points.at);
+    if (order == 0 || blocks.empty()) return ring();
+    matrix const normal = normal_matrix(sum_waves(blocks, 2 * order, nullptr, 0), order);
 
     // Twice: the second solution corrects what the normal equations of uneven points lose of the first.
-    vector coefficients(2 * order + 1);
+    vector coefficients(n);
     for (int round = 0; round < 2; ++round) {
-        wave_sums right(order);
-        for (polar const& p : outline) right.add(p.radius - radius_at(coefficients, p), p);
-        vector correction(2 * order + 1);
+        wave_sums const right = sum_waves(blocks, order, coefficients.begin(), n);
+        vector correction(n);
         double* const c = correction.lazycopy_begin();
         c[0] = right.cosines[0];
         for (unsigned int k = 1; k <= order; ++k) {
