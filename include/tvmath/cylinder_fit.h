@@ -26,8 +26,8 @@ inline namespace tvmath {
 // many times over; the fit is then still the minimum.
 
 /// The cylinder of at least 5 points, the component of its axis with the largest magnitude positive.
-/// Through exactly five points there may be several cylinders; the one of least radius that was found is
-/// returned.
+/// Through exactly five points there may be several cylinders, of which the one of least radius that was
+/// found is returned, or none; then the result is a minimum that passes by them, or null.
 ///
 /// Starts from 13 fixed axis directions, those through the faces, edges and corners of a cube. From each
 /// the algebraic distance is minimised on the matrix of moments of nine terms that one pass over the

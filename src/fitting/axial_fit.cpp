@@ -161,15 +161,15 @@ axial_fit_result fit_axial_surface(local_points const& local, axial_task const& 
     if (points.size() > sample_size) {
         std::vector<xyz> const sample = sample_of(local.points, sample_size);
         auto const tried = refined(starts, sample, task.free, rounding);
-        if (tried.empty()) return result;
-        starts.clear();
+        // A sample of many repeats may determine nothing, though the list does.
+        if (!tried.empty()) starts.clear();
         for (candidate const& c : tried) {
             // What is far worse in the sample is not the best of all; equal sums are the same surface.
             if (c.sum > 1.5 * tried[0].sum) break;
             if (starts.empty() || c.sum > tried[0].sum * (1 + 1e-6)) starts.push_back(c.surface);
         }
     }
-    auto found = refined(starts, points, task.free, rounding);
+    auto const found = refined(starts, points, task.free, rounding);
     if (found.empty()) return result;
     candidate const& best = found[0];
     if (task.free.shift &&
