@@ -14,6 +14,9 @@ namespace {
 
 // A sample of these many points tells the starts apart; all points then refine the winner.
 constexpr std::size_t sample_size = 300;
+// Few points have more minima than the algebraic distance shows: then the axes of the cube are starts as
+// they are.
+constexpr std::size_t few_points = 16;
 // An arc of this radius, against points of size 1, has a sagitta of 1e-6: beyond it noise of any kind
 // decides.
 constexpr double most_radius = 1e5;
@@ -62,8 +65,8 @@ double plane_sum(std::span<xyz const> points, quadric_moments const& m, axial_ta
     return sum;
 }
 
-// Points that a plane fits no worse carry no radius. The plane has two unknowns fewer; by Fisher's test the
-// chance that plain scatter gives such an advantage to the curved surface is (sum / flat)^(dof / 2).
+// Points that a plane fits no worse carry no radius. The plane has two unknowns fewer; by Fisher's test
+// the chance that plain scatter gives such an advantage to the curved surface is (sum / flat)^(dof / 2).
 bool is_curved(double sum, double flat, std::size_t n, std::size_t unknowns, double grain) {
     if (flat <= static_cast<double>(n) * std::pow(4 * grain, 2)) return false;
     double const ratio = sum / flat, dof = static_cast<double>(n - unknowns);
@@ -75,8 +78,8 @@ struct candidate {
     double sum = 0;
 };
 
-// Five points may lie on several cylinders: of those that all fit within the rounding of the points the one
-// of least radius is taken, whatever the order of the points.
+// Five points may lie on several cylinders: of those that all fit within the rounding of the points the
+// one of least radius is taken, whatever the order of the points.
 bool is_better(candidate const& a, candidate const& b, double rounding) {
     double const one = std::max(a.sum, rounding), other = std::max(b.sum, rounding);
     return one != other ? one < other : a.surface.offset < b.surface.offset;
@@ -97,16 +100,19 @@ std::vector<candidate> refined(std::vector<axial_surface> const& starts, std::sp
     return found;
 }
 
-// For a free axis the minima of the algebraic distance, and the principal axes of the points: on a wire and
-// on a short arc the algebraic distance has no minimum near the best surface, but one of these axes is close
-// to its own.
-std::vector<axial_surface> all_starts(quadric_moments const& m, axial_task const& task) {
+// For a free axis the minima of the algebraic distance, and the principal axes of the points: on a wire
+// and on a short arc the algebraic distance has no minimum near the best surface, but one of these axes is
+// close to its own.
+std::vector<axial_surface> all_starts(quadric_moments const& m, axial_task const& task, bool few) {
     std::vector<axial_surface> starts = task.starts;
     bool const tapered = task.free.angle;
     if (task.free.tilt) {
         auto const minima = quadric_starts(m, tapered);
         starts.insert(starts.end(), minima.begin(), minima.end());
-        for (xyz const& axis : principal_axes(m)) starts.push_back(quadric_start_about(axis, m, tapered));
+        std::vector<xyz> axes;
+        if (few) axes = cube_axes();
+        for (xyz const& axis : principal_axes(m)) axes.push_back(axis);
+        for (xyz const& axis : axes) starts.push_back(quadric_start_about(axis, m, tapered));
     } else {
         starts.push_back(quadric_start_about(task.axis, m, tapered));
     }
@@ -132,6 +138,18 @@ bool has_distinct(std::span<xyz const> points, std::size_t needed) {
 
 }  // namespace
 
+bool hold_axis(axial_task& task, local_points const& local, point const* center, point const* axis) {
+    if (local.points.empty()) return false;
+    task.free.shift = center == nullptr;
+    task.free.tilt = axis == nullptr;
+    if (center) {
+        if (center->is_trivial() || !xyz(*center).is_finite()) return false;
+        task.center = local.to_local(xyz(*center));
+    }
+    if (axis) task.axis = unit(xyz(*axis));
+    return !axis || dot(task.axis, task.axis) != 0.0;
+}
+
 axial_fit_result fit_axial_surface(local_points const& local, axial_task const& task) {
     axial_fit_result result;
     std::span<xyz const> const points = local.points;
@@ -139,19 +157,19 @@ axial_fit_result fit_axial_surface(local_points const& local, axial_task const& 
     double const rounding = static_cast<double>(points.size()) * std::pow(8 * local.grain, 2);
 
     quadric_moments const m = moments_of(points);
-    std::vector<axial_surface> starts = all_starts(m, task);
+    std::vector<axial_surface> starts = all_starts(m, task, points.size() <= few_points);
     if (points.size() > sample_size) {
         std::vector<xyz> const sample = sample_of(local.points, sample_size);
         auto const tried = refined(starts, sample, task.free, rounding);
-        if (tried.empty()) return result;
-        starts.clear();
+        // A sample of many repeats may determine nothing, though the list does.
+        if (!tried.empty()) starts.clear();
         for (candidate const& c : tried) {
             // What is far worse in the sample is not the best of all; equal sums are the same surface.
             if (c.sum > 1.5 * tried[0].sum) break;
             if (starts.empty() || c.sum > tried[0].sum * (1 + 1e-6)) starts.push_back(c.surface);
         }
     }
-    auto found = refined(starts, points, task.free, rounding);
+    auto const found = refined(starts, points, task.free, rounding);
     if (found.empty()) return result;
     candidate const& best = found[0];
     if (task.free.shift &&

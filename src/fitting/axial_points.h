@@ -4,11 +4,12 @@
 #include <vector>
 
 #include "geometry/xyz.h"
+#include "tvmath/array.h"
 
 inline namespace tvmath {
 
-/// Measured points near the origin and of size 1: less a centre, divided by a power of two, so that nothing
-/// is rounded but the subtraction. Sums of fourth powers then neither cancel nor overflow.
+/// Measured points near the origin and of size 1: less a centre, divided by a power of two, so that
+/// nothing is rounded but the subtraction. Sums of fourth powers then neither cancel nor overflow.
 struct local_points {
     std::vector<xyz> points;  ///< empty when the list cannot be fitted
     xyz center;               ///< near the centroid
@@ -18,6 +19,10 @@ struct local_points {
     xyz to_local(xyz const& p) const { return (1 / scale) * (p - center); }
     xyz from_local(xyz const& p) const { return center + scale * p; }
 };
+
+inline std::span<point const> span_of(idioms::array<point> const& points) {
+    return {points.begin(), points.end()};
+}
 
 /// Empty for no points, a point that is not a finite 3D point, and points that are all equal.
 local_points make_local(std::span<point const> points);

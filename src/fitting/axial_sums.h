@@ -7,8 +7,8 @@
 
 inline namespace tvmath {
 
-/// Unknowns of an iteration, all 0 at the present surface: the axis turns to w + a u + b v, the origin moves
-/// by x u + y v, the angle and the offset grow.
+/// Unknowns of an iteration, all 0 at the present surface: the axis turns to w + a u + b v, the origin
+/// moves by x u + y v, the angle and the offset grow.
 enum axial_unknown : std::size_t { tilt_u, tilt_v, shift_u, shift_v, taper, offset, axial_unknowns };
 
 using axial_system = small_cholesky<axial_unknowns>;

@@ -56,7 +56,8 @@ double size_of(axial_system::row const& step, axial_surface const& s) {
     return std::max(turn, move / reach);
 }
 
-// The step to the minimum of the quadratic model: Newton's where that is convex, else damped Gauss-Newton's.
+// The step to the minimum of the quadratic model: Newton's where that is convex, else damped
+// Gauss-Newton's.
 bool find_step(axial_sums const& sums, std::array<bool, axial_unknowns> const& free, double damping,
                axial_system::row& step) {
     axial_system system;

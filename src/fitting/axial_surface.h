@@ -9,8 +9,8 @@ inline namespace tvmath {
 /// A cylinder or a cone without ends, in the coordinates of `local_points`: the points whose distance rho
 /// from the axis and place z along it (from `origin`) have cos(angle) rho - sin(angle) z = offset.
 ///
-/// `angle` is 0 for a cylinder, above 0 for a cone that widens along w. The left side less the right one is
-/// the signed orthogonal distance of a point. u, v, w are a right-handed frame; w is the axis.
+/// `angle` is 0 for a cylinder, above 0 for a cone that widens along w. The left side less the right one
+/// is the signed orthogonal distance of a point. u, v, w are a right-handed frame; w is the axis.
 struct axial_surface {
     xyz origin, u, v, w;
     double angle = 0, offset = 0;
@@ -31,9 +31,9 @@ inline std::size_t unknowns(axial_freedom const& free) {
     return 1 + (free.tilt ? 2u : 0u) + (free.shift ? 2u : 0u) + (free.angle ? 1u : 0u);
 }
 
-/// Moves the surface to a minimum of the sum of squared orthogonal distances, which it returns in `sum`. True
-/// when the steps died out at a surface that the points determine; false after 20 rounds and for a singular
-/// system, with the last surface reached.
+/// Moves the surface to a minimum of the sum of squared orthogonal distances, which it returns in `sum`.
+/// True when the steps died out at a surface that the points determine; false after 20 rounds and for a
+/// singular system, with the last surface reached.
 ///
 /// With `shift` the origin is kept at the foot of the perpendicular from the local origin; without it the
 /// axis keeps passing through the given origin.

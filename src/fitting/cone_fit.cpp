@@ -9,12 +9,6 @@
 inline namespace tvmath {
 namespace {
 
-using point_span = std::span<point const>;
-
-point_span span_of(idioms::array<point> const& points) {
-    return {points.begin(), points.end()};
-}
-
 // The nominal cone without its ends; nothing for the null cone and for one without an axis.
 void add_nominal(cone const& nominal, local_points const& local, axial_task& task) {
     xyz const base(nominal.base), top(nominal.top), axis = unit(top - base);
@@ -45,30 +39,20 @@ cone fit(local_points const& local, axial_task const& task, xyz const& sense) {
     return result;
 }
 
-cone fit_nominal(point const* center, point_span points, cone const& nominal) {
+cone fit_nominal(point const* center, std::span<point const> points, cone const& nominal) {
     local_points const local = make_local(points);
     axial_task task;
-    task.free = {true, center == nullptr, true};
-    if (local.points.empty()) return cone();
-    if (center) {
-        if (center->is_trivial() || !xyz(*center).is_finite()) return cone();
-        task.center = local.to_local(xyz(*center));
-    }
+    task.free.angle = true;
+    if (!hold_axis(task, local, center, nullptr)) return cone();
     add_nominal(nominal, local, task);
     return fit(local, task, task.starts.empty() ? xyz() : task.starts[0].w);
 }
 
-cone fit_parallel(point const* center, point const& axis, point_span points) {
+cone fit_parallel(point const* center, point const& axis, std::span<point const> points) {
     local_points const local = make_local(points);
     axial_task task;
-    task.free = {false, center == nullptr, true};
-    task.axis = unit(xyz(axis));
-    if (local.points.empty() || dot(task.axis, task.axis) == 0.0) return cone();
-    if (center) {
-        if (center->is_trivial() || !xyz(*center).is_finite()) return cone();
-        task.center = local.to_local(xyz(*center));
-    }
-    return fit(local, task, task.axis);
+    task.free.angle = true;
+    return hold_axis(task, local, center, &axis) ? fit(local, task, task.axis) : cone();
 }
 
 }  // namespace

@@ -183,14 +183,6 @@ axial_surface surface_of(quadric const& q, quadric_moments const& m) {
     return s;
 }
 
-std::vector<xyz> cube_axes() {
-    std::vector<xyz> axes;
-    for (int code = 14; code < 27; ++code) {  // of the 27 triples of -1, 0, 1 those after the zero one
-        axes.push_back(unit(xyz(code / 9 - 1, code / 3 % 3 - 1, code % 3 - 1)));
-    }
-    return axes;
-}
-
 }  // namespace
 
 quadric_moments moments_of(std::span<xyz const> points) {
@@ -218,6 +210,14 @@ quadric_moments moments_of(std::span<xyz const> points) {
     }
     m.scatter = {{{mean[0], mean[1], mean[2]}, {mean[1], mean[3], mean[4]}, {mean[2], mean[4], mean[5]}}};
     return m;
+}
+
+std::vector<xyz> cube_axes() {
+    std::vector<xyz> axes;
+    for (int code = 14; code < 27; ++code) {  // of the 27 triples of -1, 0, 1 those after the zero one
+        axes.push_back(unit(xyz(code / 9 - 1, code / 3 % 3 - 1, code % 3 - 1)));
+    }
+    return axes;
 }
 
 std::vector<axial_surface> quadric_starts(quadric_moments const& m, bool tapered) {

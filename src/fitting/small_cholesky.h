@@ -6,15 +6,17 @@
 
 inline namespace tvmath {
 
-/// Symmetric systems of up to `most` unknowns, of which only some are free: Cholesky's factors of the matrix
-/// scaled to a unit diagonal, so that unknowns in radians and in lengths compare. The lower triangle counts.
+/// Symmetric systems of up to `most` unknowns, of which only some are free: Cholesky's factors of the
+/// matrix scaled to a unit diagonal, so that unknowns in radians and in lengths compare. The lower
+/// triangle counts.
 template <std::size_t most>
 class small_cholesky {
 public:
     using row = std::array<double, most>;
     using square = std::array<row, most>;
 
-    /// False when a scaled pivot is not above `least_pivot`: then the matrix is not safely positive definite.
+    /// False when a scaled pivot is not above `least_pivot`: then the matrix is not safely positive
+    /// definite.
     bool factor(square const& h, std::array<bool, most> const& free, double damping, double least_pivot) {
         size_ = 0;
         for (std::size_t i = 0; i < most; ++i) {

@@ -152,39 +152,12 @@ TEST(CylinderFit, IgnoresOrderAndRepeats) {
 TEST(CylinderFit, OfPointsThatShowNoneIsNull) {
     seeded_random random(20260105);
     axial_sample const good(random, {"", 20, 1, 2, 360, 0, 0.001, 0, 0});
-    auto const with = [&](point const& p) {
-        std::vector<point> points = good.points;
-        points[3] = p;
-        return points;
-    };
-    auto const made = [&](auto const& rule) {
-        std::vector<point> points;
-        for (int i = 0; i < 40; ++i) points.push_back(rule(random.uniform(-1, 1), random.uniform(-1, 1), i));
-        return points;
-    };
-    struct {
-        char const* name;
-        std::vector<point> points;
-    } const failing[] = {
-        {"none", {}},
-        {"four", std::vector<point>(good.points.data(), good.points.data() + 4)},
-        {"four, repeated",
-         made([&](double, double, int i) { return good.points[static_cast<std::size_t>(i) % 4]; })},
-        {"a trivial point", with(point())},
-        {"a 2D point", with(at(1, 1))},
-        {"NaN", with(at(0, std::nan(""), 0))},
-        {"infinity", with(at(0, 0, INFINITY))},
-        {"a plane", made([](double x, double y, int) { return at(x, y, 1 + x - y / 2); })},
-        {"a rough plane", made([&](double x, double y, int) { return at(x, y, 1e-3 * random.normal()); })},
-        {"a line", made([](double x, double, int) { return at(x, 2 * x, -x); })},
-        {"a circle", made([](double x, double, int) { return at(std::cos(4 * x), std::sin(4 * x), 5); })},
-        {"two lines", made([](double x, double, int i) { return at(i % 2, x, i % 2); })},
-    };
+    auto const failing = hopeless_lists(random, good.points, 5);
     for (auto const& c : failing) {
         EXPECT_TRUE(cylinder_fit(list_of(c.points)).is_trivial()) << c.name;
     }
     point const up(false, 0, 0, 1), origin = at(0, 0, 0);
-    std::vector<point> const ring(failing[10].points), two(good.points.data(), good.points.data() + 2);
+    std::vector<point> const ring(failing.back().points), two(good.points.data(), good.points.data() + 2);
     EXPECT_TRUE(cylinder_parallel_fit(up, two).is_trivial());
     EXPECT_TRUE(cylinder_parallel_fit(up, ring).is_trivial()) << "of no height";
     EXPECT_TRUE(cylinder_parallel_centered_fit(origin, up, ring).is_trivial()) << "of no height";

@@ -163,4 +163,42 @@ struct axial_sample {
     }
 };
 
+struct named_points {
+    char const* name;
+    std::vector<point> points;
+};
+
+/// Lists that show no surface of `needed` unknowns; the last one is a circle about Z.
+template <class generator>
+std::vector<named_points> hopeless_lists(generator& random, std::vector<point> const& good, int needed) {
+    auto const with = [&](point const& p) {
+        std::vector<point> points = good;
+        points[3] = p;
+        return points;
+    };
+    auto const made = [&](auto const& rule) {
+        std::vector<point> points;
+        for (int i = 0; i < 40; ++i) points.push_back(rule(random.uniform(-1, 1), random.uniform(-1, 1)));
+        return points;
+    };
+    std::vector<point> const few(good.data(), good.data() + needed - 1);
+    std::vector<point> repeated;
+    for (int i = 0; i < 8; ++i) repeated.insert(repeated.end(), few.begin(), few.end());
+    auto const plane = [](double x, double y) { return point(true, x, y, 1 + x - y / 2); };
+    auto const rough = [&](double x, double y) { return point(true, x, y, 1e-3 * random.normal()); };
+    auto const line = [](double x, double) { return point(true, x, 2 * x, -x); };
+    auto const ring = [](double x, double) { return point(true, std::cos(4 * x), std::sin(4 * x), 5); };
+    return {{"none", {}},
+            {"too few", few},
+            {"too few, repeated", repeated},
+            {"a trivial point", with(point())},
+            {"a 2D point", with(point(true, 1, 1))},
+            {"NaN", with(point(true, 0, std::nan(""), 0))},
+            {"infinity", with(point(true, 0, 0, INFINITY))},
+            {"a plane", made(plane)},
+            {"a rough plane", made(rough)},
+            {"a line", made(line)},
+            {"a circle", made(ring)}};
+}
+
 }  // namespace tvmath
