@@ -73,4 +73,23 @@ TVMATH_API nurb open_nurb_fit(idioms::array<point> points);
 TVMATH_API nurb closed_nurb_fit(std::vector<point> const& points);
 TVMATH_API nurb closed_nurb_fit(idioms::array<point> points);
 
+/// Brings the points of one path, measured in any order, into the order of the path: a short way through all
+/// of them. Returns false, the list untouched, for a trivial point and for coordinates that are not finite.
+///
+/// An open path starts at that of its two ends which came first in the list. A closed one starts at the first
+/// point of the list and runs towards the one of its two neighbours that came first. A list that is already
+/// in such an order keeps it. Points in the very same place stay together. The order is right when the points
+/// are closer together along the path than any two branches of it, and than its noise.
+///
+/// The shortest edges are joined first (greedy heuristic, by a k-d tree), then pairs of edges are exchanged
+/// while that shortens the way (2-opt among the 8 nearest neighbours). The exchanges end when they have moved
+/// 1e6 + 100 n points; that bound is on the work, so that the order is the same on every machine. The time
+/// grows with n log n but for the exchanges.
+///
+/// Sources: J. L. Bentley, Fast algorithms for geometric traveling salesman problems, ORSA J. Computing 4
+/// (1992) 387-411; G. A. Croes, A method for solving traveling-salesman problems, Operations Research 6
+/// (1958) 791-812.
+TVMATH_API bool sort_spline_data(std::vector<point>& points, bool closed);
+TVMATH_API bool sort_spline_data(idioms::array<point>& points, bool closed);
+
 }  // namespace tvmath
