@@ -98,8 +98,10 @@ struct named_fit {
     curve (*of_array)(idioms::array<point>, bool);
     bool is_interpolation;
 };
-named_fit const all_fits[] = {{"bezier_fit", bezier_fit, bezier_fit, true},
-                              {"least squares", bezier_least_squares_fit, bezier_least_squares_fit, false}};
+named_fit const all_fits[] = {
+    {"bezier_fit", bezier_fit, bezier_fit, true},
+    {"minimum curvature", bezier_minimum_curvature_fit, bezier_minimum_curvature_fit, true},
+    {"least squares", bezier_least_squares_fit, bezier_least_squares_fit, false}};
 
 TEST(PathFits, GiveNoCurveForListsWithoutOne) {
     double const nan = std::nan("");
@@ -283,6 +285,33 @@ TEST(NurbFit, OfFewPointsIsTheInterpolatingSpline) {
         }
         for (unsigned int i = 0; i < 6; ++i) {
             EXPECT_NEAR(n.get_knot(segments + i + 1) - n.get_knot(i + 1), last_parameter(n), 1e-14 * 20);
+        }
+    }
+}
+
+// No more bending than the other interpolation, and no less by bending the path away at a joint: there its
+// tangent is turned, or the handles are stretched, by a little of a smooth curve's change.
+TEST(BezierMinimumCurvatureFit, BendsNoMoreThanOtherPathsThroughThePoints) {
+    seeded_random random(7);
+    for (int trial = 0; trial < 60; ++trial) {
+        SCOPED_TRACE(trial);
+        bool const closed = random.coin();
+        points const list = closed ? circle_points(random, at(0, 0), 3, 0, 2 * pi, 12, 0.1)
+                                   : wandering_points(random, 20, random.coin());
+        curve const c = bezier_minimum_curvature_fit(list, closed);
+        double const energy = bending_energy(c);
+        for (unsigned int i = 0; i < list.size(); ++i) EXPECT_TRUE(c[3 * i] == list[i]);
+        EXPECT_LE(energy, bending_energy(bezier_fit(list, closed)) * (1 + 1e-6));  // two quadratures
+        for (unsigned int i = 3; i + 3 < c.capacity(); i += 3) {
+            double const turn = (random.coin() ? 1 : -1) * random.uniform(0.15, 0.3);
+            curve other = c;
+            point* const p = other.lazycopy_begin() + i;
+            for (int side : {-1, 1}) p[side] = p[0] + (p[side] - p[0]).rotate(turn);
+            EXPECT_GE(bending_energy(other), energy);
+        }
+        if (!closed) {  // free ends: no curvature
+            point const bend = c[2] - c[1] - (c[1] - c[0]);
+            EXPECT_LE(bend.length3d(), 1e-12);
         }
     }
 }
