@@ -56,16 +56,16 @@ TVMATH_API curve bezier_minimum_curvature_fit(idioms::array<point> points, bool 
 /// open path the first and the last point are compared with the ends of the curve.
 ///
 /// Its knots share the points evenly, by their chord length; there are as many segments as score best by
-/// Schwarz's criterion n ln(sum / n) + c D / (D - 1) ln n, with n points and c control points in D
-/// dimensions, tried in steps of a quarter up to a control point for every second point, or the first number
-/// that leaves no more than 1e-9 of the extent. More segments would follow the noise. Up to 7 points are
-/// interpolated as by `bezier_fit`.
+/// Schwarz's criterion n ln(sum / n) + 2 c ln n, with n points and c control points, which count for their
+/// place across the curve and along it. Numbers are tried in steps of a quarter, up to a control point for
+/// every second point or until no more than 1e-9 of the extent is left. More segments would follow the noise.
+/// Up to 7 points are interpolated as by `bezier_fit`.
 ///
-/// With each step the feet follow the curve, and the step is nearly Newton's for the distances. A hundredth
-/// of it is that of fixed parameters, so that control points do not slide along the curve, by which the sum
-/// would still fall a little without end. The steps stop when one gains less than 1e-4 of the sum, after 50
-/// at most, or 20 above 1e5 points. A contour that comes near itself is safe as long as its noise is below
-/// the spacing there; points that one curve can hardly follow, a few for each turn, leave the curve loosely
+/// With each step the feet follow the curve: the step is nearly the Gauss-Newton one for the distances. A
+/// hundredth of it is that of fixed parameters, so that control points do not slide along the curve, by which
+/// the sum would still fall a little without end. The steps stop when one gains less than 1e-4 of the sum,
+/// after 50 at most, or 20 above 1e5 points. A contour that comes near itself is safe as long as its noise is
+/// below the spacing there; points that one curve can hardly follow, a few for each turn, leave it loosely
 /// determined.
 ///
 /// Sources: J. Hoschek, Intrinsic parametrization for approximation, CAGD 5 (1988) 27-31; D. F. Rogers, N. G.

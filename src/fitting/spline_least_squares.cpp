@@ -293,7 +293,7 @@ cubic_bspline best_spline(std::vector<xyz> const& points, bool closed) {
     double best_score = std::numeric_limits<double>::infinity();
     // What is left at 1e-9 of the size is no longer a question of more spans.
     double const least = 1e-18 * n;
-    double const penalty = std::log(n) * dimension / (dimension - 1);
+    double const penalty = 2 * std::log(n);
     auto const fit = [&](std::size_t spans) {
         return least_squares<dimension>(points, spline_space(averaged_breaks(turn, spans), closed));
     };
