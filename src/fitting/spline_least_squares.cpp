@@ -16,15 +16,21 @@ using numbers = std::vector<double>;
 
 // The knots share the points evenly among the spans, between neighbouring points where the share is broken,
 // so that every span has points of its own. `at` ascends; of a closed path it has the full turn as its last.
-// Source: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, section 9.4.1.
-numbers averaged_breaks(numbers const& at, std::size_t spans) {
-    numbers breaks = {at.front()};
+// Where points crowd, a span without width is left out; a periodic spline needs four spans, if need be even
+// ones. Source: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, section 9.4.1.
+numbers averaged_breaks(numbers const& at, std::size_t spans, bool closed) {
     double const share = static_cast<double>(at.size() - 1) / static_cast<double>(spans);
+    double const even = (at.back() - at.front()) / static_cast<double>(spans), least = 1e-6 * even;
+    numbers breaks = {at.front()};
     for (std::size_t j = 1; j < spans; ++j) {
         double const place = share * static_cast<double>(j);
         auto const i = static_cast<std::size_t>(place);
-        double const part = place - static_cast<double>(i);
-        breaks.push_back(at[i] + part * (at[i + 1] - at[i]));
+        double const part = place - static_cast<double>(i), next = at[i] + part * (at[i + 1] - at[i]);
+        if (next - breaks.back() > least && at.back() - next > least) breaks.push_back(next);
+    }
+    if (closed && breaks.size() < 4) {
+        breaks.resize(1);
+        for (std::size_t j = 1; j < spans; ++j) breaks.push_back(at.front() + even * static_cast<double>(j));
     }
     breaks.push_back(at.back());
     return breaks;
@@ -295,7 +301,7 @@ cubic_bspline best_spline(std::vector<xyz> const& points, bool closed) {
     double const least = 1e-18 * n;
     double const penalty = 2 * std::log(n);
     auto const fit = [&](std::size_t spans) {
-        return least_squares<dimension>(points, spline_space(averaged_breaks(turn, spans), closed));
+        return least_squares<dimension>(points, spline_space(averaged_breaks(turn, spans, closed), closed));
     };
     for (std::size_t spans = closed ? 4 : 1, worse = 0; spans <= most && worse < 4; spans += 1 + spans / 4) {
         auto solver = fit(spans);
