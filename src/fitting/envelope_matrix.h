@@ -29,21 +29,17 @@ public:
     /// The entry of row i and a column j from first[i] to i.
     double& at(std::size_t i, std::size_t j) { return values_[row_[i] + j - first_[i]]; }
 
-    /// Replaces the matrix by its factor. Returns false when it is not definite but for rounding; an unknown
-    /// whose pivot told so then gets no change from `solve`, as if it depended on the ones before.
-    bool factorize() {
-        bool is_definite = true;
+    /// Replaces the matrix by its factor. An unknown whose pivot is no more than rounding gets no change from
+    /// `solve`: it depends on the ones before.
+    void factorize() {
         for (std::size_t i = 0; i < first_.size(); ++i) {
             double const diagonal = at(i, i);
             for (std::size_t j = first_[i]; j < i; ++j) {
                 at(i, j) = (at(i, j) - inner_product(i, j)) / at(j, j);
             }
             double const pivot = diagonal - inner_product(i, i);
-            bool const is_positive = pivot > 0x1p-48 * diagonal;
-            at(i, i) = is_positive ? std::sqrt(pivot) : infinite_pivot;
-            is_definite = is_definite && is_positive;
+            at(i, i) = pivot > 0x1p-48 * diagonal ? std::sqrt(pivot) : infinite_pivot;
         }
-        return is_definite;
     }
 
     /// Replaces the right side by the solution, after `factorize`.

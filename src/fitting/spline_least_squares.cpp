@@ -16,15 +16,21 @@ using numbers = std::vector<double>;
 
 // The knots share the points evenly among the spans, between neighbouring points where the share is broken,
 // so that every span has points of its own. `at` ascends; of a closed path it has the full turn as its last.
-// Source: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, section 9.4.1.
-numbers averaged_breaks(numbers const& at, std::size_t spans) {
-    numbers breaks = {at.front()};
+// Where points crowd, a span without width is left out; a periodic spline needs four spans, if need be even
+// ones. Source: L. Piegl, W. Tiller, The NURBS Book, 2nd ed., Springer 1997, section 9.4.1.
+numbers averaged_breaks(numbers const& at, std::size_t spans, bool closed) {
     double const share = static_cast<double>(at.size() - 1) / static_cast<double>(spans);
+    double const even = (at.back() - at.front()) / static_cast<double>(spans), least = 1e-6 * even;
+    numbers breaks = {at.front()};
     for (std::size_t j = 1; j < spans; ++j) {
         double const place = share * static_cast<double>(j);
         auto const i = static_cast<std::size_t>(place);
-        double const part = place - static_cast<double>(i);
-        breaks.push_back(at[i] + part * (at[i + 1] - at[i]));
+        double const part = place - static_cast<double>(i), next = at[i] + part * (at[i + 1] - at[i]);
+        if (next - breaks.back() > least && at.back() - next > least) breaks.push_back(next);
+    }
+    if (closed && breaks.size() < 4) {
+        breaks.resize(1);
+        for (std::size_t j = 1; j < spans; ++j) breaks.push_back(at.front() + even * static_cast<double>(j));
     }
     breaks.push_back(at.back());
     return breaks;
@@ -66,26 +72,19 @@ public:
         return t - turn * std::floor((t - begin()) / turn);
     }
 
-    /// The four basis functions that are not 0 on the span, by the recursion of Cox and de Boor, and their
-    /// derivatives.
-    struct basis_values {
-        std::array<double, 4> value, slope;
-    };
-    basis_values basis(std::size_t span, double t) const {
+    /// The four basis functions that are not 0 on the span, by the recursion of Cox and de Boor.
+    std::array<double, 4> basis(std::size_t span, double t) const {
         double const* const k = knots_.data() + span + 3;
-        basis_values b = {{1, 0, 0, 0}, {}};
+        std::array<double, 4> b = {1, 0, 0, 0};
         for (int degree = 1; degree <= 3; ++degree) {
             double carried = 0;
-            b.slope = {};
             for (int r = 0; r < degree; ++r) {
                 auto const i = static_cast<std::size_t>(r);
-                double const right = k[r + 1], left = k[r + 1 - degree], part = b.value[i] / (right - left);
-                b.value[i] = carried + (right - t) * part;
+                double const right = k[r + 1], left = k[r + 1 - degree], part = b[i] / (right - left);
+                b[i] = carried + (right - t) * part;
                 carried = (t - left) * part;
-                b.slope[i] -= degree * part;
-                b.slope[i + 1] += degree * part;
             }
-            b.value[static_cast<std::size_t>(degree)] = carried;
+            b[static_cast<std::size_t>(degree)] = carried;
         }
         return b;
     }
@@ -183,20 +182,18 @@ public:
         return fitted;
     }
 
-    // Reduces the sum of squares until a step gains less than 1e-4 of it, at most `rounds` times. The second
-    // derivative of half a squared distance is
-    //     N_j N_k 1 - w_j w_k' / (C' C' + offset C''),   w_j = N_j C' + N_j' offset,
-    // where the second term says how the foot follows the curve. Without it (`still` = 1) the step is the
-    // linear fit with fixed parameters, which never goes wrong but is slow; with nearly all of it the step is
-    // Newton's for the shape. A last 1e-2 keeps the control points from sliding along the curve, which gains
-    // next to nothing and never ends.
+    // Reduces the sum of squares until a step gains less than 1e-4 of it, at most `rounds` times. An offset
+    // counts in full across the curve and by `still` along it. At the feet that changes only the step, not
+    // the gradient: 1 is the linear fit with fixed parameters, which never leads uphill but is slow; towards
+    // 0 it is the Gauss-Newton step for the distances, the feet following. A last 1e-2 keeps the control
+    // points from sliding along the curve, which gains next to nothing and never ends.
     void refine(spline_state& state, int rounds) {
         double still = 0.1;
         for (int round = 0; round < rounds;) {
             spline_state next = state;
             double const step = move_controls(next, still);
-            if (step < infinity) take_feet(next);
-            if (step < infinity && next.sum < state.sum) {
+            take_feet(next);
+            if (next.sum < state.sum) {
                 bool const settled = step < 0x1p-46 || state.sum - next.sum <= 1e-4 * state.sum;
                 std::swap(state, next);
                 if (settled) return;
@@ -221,13 +218,13 @@ private:
         return first;
     }
 
-    // One step for the control points; returns the largest change, infinity for an indefinite matrix.
+    // One step for the control points; returns the largest change.
     double move_controls(spline_state& state, double still) {
         matrix_.clear();
         numbers right(space_.freedoms() * dimension);
         for (std::size_t i = 0; i < points_.size(); ++i)
             add_point(state.feet[i], state.at[i], 1 - still, right);
-        if (!matrix_.factorize() && still < 1) return infinity;
+        matrix_.factorize();
         matrix_.solve(right);
         double most = 0;
         for (std::size_t j = 0; j < state.controls.size(); ++j) {
@@ -242,31 +239,25 @@ private:
     // Adds what one point gives to the matrix and to the right sides, -N_j offset.
     void add_point(span_powers::place const& foot, double t, double following, numbers& right) {
         std::size_t const span = space_.span_of(t);
-        auto const basis = space_.basis(span, t);
-        double const bend = dot(foot.first, foot.first) + dot(foot.offset, foot.second);
-        double const share = bend > 0 ? std::sqrt(following / bend) : 0;
+        std::array<double, 4> const basis = space_.basis(span, t);
+        xyz const tangent = std::sqrt(following) * unit(foot.first);
         double const offset[3] = {foot.offset.x, foot.offset.y, foot.offset.z};
-        double w[4][3];
-        for (std::size_t r = 0; r < 4; ++r) {
-            xyz const moved = share * (basis.value[r] * foot.first + basis.slope[r] * foot.offset);
-            w[r][0] = moved.x;
-            w[r][1] = moved.y;
-            w[r][2] = moved.z;
+        double const along[3] = {tangent.x, tangent.y, tangent.z};
+        double metric[dimension][dimension];
+        for (std::size_t d = 0; d < dimension; ++d) {
+            for (std::size_t e = 0; e < dimension; ++e) metric[d][e] = (d == e ? 1 : 0) - along[d] * along[e];
         }
         for (std::size_t r = 0; r < 4; ++r) {
             std::size_t const j = space_.freedom(span, r);
-            for (std::size_t d = 0; d < dimension; ++d)
-                right[j * dimension + d] -= basis.value[r] * offset[d];
+            for (std::size_t d = 0; d < dimension; ++d) right[j * dimension + d] -= basis[r] * offset[d];
             for (std::size_t q = 0; q < 4; ++q) {
                 std::size_t const k = space_.freedom(span, q);
                 if (k > j) continue;
-                double const weight = basis.value[r] * basis.value[q];
+                double const weight = basis[r] * basis[q];
                 for (std::size_t d = 0; d < dimension; ++d) {
                     double* const row = &matrix_.at(j * dimension + d, k * dimension);
                     std::size_t const columns = k == j ? d + 1 : dimension;
-                    for (std::size_t e = 0; e < columns; ++e) {
-                        row[e] += (d == e ? weight : 0) - w[r][d] * w[q][e];
-                    }
+                    for (std::size_t e = 0; e < columns; ++e) row[e] += weight * metric[d][e];
                 }
             }
         }
@@ -308,9 +299,9 @@ cubic_bspline best_spline(std::vector<xyz> const& points, bool closed) {
     double best_score = std::numeric_limits<double>::infinity();
     // What is left at 1e-9 of the size is no longer a question of more spans.
     double const least = 1e-18 * n;
-    double const penalty = std::log(n) * dimension / (dimension - 1);
+    double const penalty = 2 * std::log(n);
     auto const fit = [&](std::size_t spans) {
-        return least_squares<dimension>(points, spline_space(averaged_breaks(turn, spans), closed));
+        return least_squares<dimension>(points, spline_space(averaged_breaks(turn, spans, closed), closed));
     };
     for (std::size_t spans = closed ? 4 : 1, worse = 0; spans <= most && worse < 4; spans += 1 + spans / 4) {
         auto solver = fit(spans);

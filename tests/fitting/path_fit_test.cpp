@@ -98,8 +98,10 @@ struct named_fit {
     curve (*of_array)(idioms::array<point>, bool);
     bool is_interpolation;
 };
-named_fit const all_fits[] = {{"bezier_fit", bezier_fit, bezier_fit, true},
-                              {"least squares", bezier_least_squares_fit, bezier_least_squares_fit, false}};
+named_fit const all_fits[] = {
+    {"bezier_fit", bezier_fit, bezier_fit, true},
+    {"minimum curvature", bezier_minimum_curvature_fit, bezier_minimum_curvature_fit, true},
+    {"least squares", bezier_least_squares_fit, bezier_least_squares_fit, false}};
 
 TEST(PathFits, GiveNoCurveForListsWithoutOne) {
     double const nan = std::nan("");
@@ -134,6 +136,27 @@ TEST(PathFits, GiveNoCurveForListsWithoutOne) {
     }
 }
 
+// Whatever the points, the curves are finite: on a coarse grid, repeated, in clusters, back and forth.
+TEST(PathFits, StayFiniteForPointsInDisorder) {
+    seeded_random random(11);
+    for (int trial = 0; trial < 60; ++trial) {
+        points list;
+        unsigned int const n = 2 + random.below(60), grid = 1 + random.below(9);
+        double const cluster = random.coin() ? 0 : random.log_uniform(1e-16, 1);
+        for (unsigned int i = 0; i < n; ++i) {
+            double const x = random.below(grid) + cluster * random.unit(), y = random.below(2) * cluster;
+            list.push_back(at(x, y, random.coin() ? 0 : x));
+        }
+        for (bool const closed : {false, true}) {
+            for (named_fit const& f : all_fits) {
+                for (point const& p : f.of_vector(list, closed)) {
+                    EXPECT_TRUE(std::isfinite(p.length3d())) << f.name << trial << closed;
+                }
+            }
+        }
+    }
+}
+
 TEST(PathFits, AgreeForBothListFormsAndKeepTheDimension) {
     seeded_random random(3);
     for (bool const solid : {false, true}) {
@@ -156,24 +179,25 @@ TEST(PathFits, AgreeForBothListFormsAndKeepTheDimension) {
 // Turned, scaled and moved points give the turned, scaled and moved curve.
 TEST(PathFits, FollowTheirPointsAnywhere) {
     seeded_random random(4);
-    for (int trial = 0; trial < 40; ++trial) {
+    for (int trial = 0; trial < 12; ++trial) {
         SCOPED_TRACE(trial);
-        points const list = wandering_points(random, 30, true);
         double const scale = random.log_uniform(1e-3, 1e5), far = trial % 2 ? 1e6 : 0;
         transform const t = transform::rotation(1, random.uniform(-3, 3), 2) *
                             transform::dilation(scale, scale, scale) * transform(far, -far, far);
-        points moved;
-        for (point const& p : list) moved.push_back(p * t);
         for (named_fit const& f : all_fits) {
+            SCOPED_TRACE(f.name);
+            points const list = f.is_interpolation ? wandering_points(random, 30, true)
+                                                   : circle_points(random, at(0, 0), 5, 0, 6.2, 60, 1e-2);
+            points moved;
+            for (point const& p : list) moved.push_back(p * t);
             for (bool const closed : {false, true}) {
-                SCOPED_TRACE(f.name);
                 curve const c = f.of_vector(list, closed) * t, d = f.of_vector(moved, closed);
                 ASSERT_EQ(c.capacity(), d.capacity());
                 for (unsigned int i = 0; i < c.capacity(); ++i) {
-                    // Coordinates are rounded by 1e-16 of themselves; interpolation leaves that as it is, the
-                    // feet of such a jagged path may magnify it up to a million times.
+                    // Coordinates are rounded by 1e-16 of themselves; interpolation leaves that as it is. An
+                    // iteration that stops at a fraction of the noise, 1e-2, magnifies it to less than that.
                     double const rounding = 1e-14 * scale * 30 + 2e-16 * far * 5;
-                    EXPECT_LE(distance3d(c[i], d[i]), (f.is_interpolation ? 10 : 1e6) * rounding);
+                    EXPECT_LE(distance3d(c[i], d[i]), f.is_interpolation ? 10 * rounding : 1e-3 * scale);
                 }
             }
         }
@@ -286,6 +310,32 @@ TEST(NurbFit, OfFewPointsIsTheInterpolatingSpline) {
     }
 }
 
+// No more bending than the other interpolation, and no less with the tangent turned at a joint.
+TEST(BezierMinimumCurvatureFit, BendsNoMoreThanOtherPathsThroughThePoints) {
+    seeded_random random(7);
+    for (int trial = 0; trial < 60; ++trial) {
+        SCOPED_TRACE(trial);
+        bool const closed = random.coin();
+        points const list = closed ? circle_points(random, at(0, 0), 3, 0, 2 * pi, 12, 0.1)
+                                   : wandering_points(random, 20, random.coin());
+        curve const c = bezier_minimum_curvature_fit(list, closed);
+        double const energy = bending_energy(c);
+        for (unsigned int i = 0; i < list.size(); ++i) EXPECT_TRUE(c[3 * i] == list[i]);
+        EXPECT_LE(energy, bending_energy(bezier_fit(list, closed)) * (1 + 1e-6));  // two quadratures
+        for (unsigned int i = 3; i + 3 < c.capacity(); i += 3) {
+            double const turn = (random.coin() ? 1 : -1) * random.uniform(0.15, 0.3);
+            curve other = c;
+            point* const p = other.lazycopy_begin() + i;
+            for (int side : {-1, 1}) p[side] = p[0] + (p[side] - p[0]).rotate(turn);
+            EXPECT_GE(bending_energy(other), energy);
+        }
+        if (!closed) {  // free ends: no curvature
+            point const bend = c[2] - c[1] - (c[1] - c[0]);
+            EXPECT_LE(bend.length3d(), 1e-12);
+        }
+    }
+}
+
 // Uneven samples of one cubic, far from its chord-length parametrisation: one segment, the cubic itself.
 TEST(BezierLeastSquaresFit, ReproducesACubicAndAStraightLine) {
     curve cubic(4);
@@ -353,6 +403,70 @@ TEST(NurbFit, OfManyPointsRunsAlongThem) {
     nurb const open = open_nurb_fit(half);
     EXPECT_LE(distance2d(open.evaluate(first_parameter(open)), half.front()), 5e-3);
     EXPECT_LE(distance2d(open.evaluate(last_parameter(open)), half.back()), 5e-3);
+}
+
+points shuffled(seeded_random& random, points list) {
+    for (std::size_t i = list.size(); i > 1; --i)
+        std::swap(list[i - 1], list[random.below(static_cast<unsigned int>(i))]);
+    return list;
+}
+
+// The original order, turned to start where the documented rule lets it start.
+points expected_order(points const& original, points const& given, bool closed) {
+    auto const place = [&](point const& p) { return std::find(given.begin(), given.end(), p); };
+    points list = original;
+    if (closed) {
+        std::rotate(list.begin(), std::find(list.begin(), list.end(), given[0]), list.end());
+        if (place(list.back()) < place(list[1])) std::reverse(list.begin() + 1, list.end());
+    } else if (place(list.back()) < place(list.front())) {
+        std::reverse(list.begin(), list.end());
+    }
+    return list;
+}
+
+TEST(SortSplineData, RecoversAShuffledPath) {
+    seeded_random random(10);
+    for (int trial = 0; trial < 40; ++trial) {
+        SCOPED_TRACE(trial);
+        bool const closed = trial % 2, solid = trial % 4 < 2;
+        int const n = 3 + static_cast<int>(random.below(400));
+        points original;
+        for (int i = 0; i < n; ++i) {
+            // Three leaves, or one and a half turns of a spiral; steps uneven by up to a third.
+            double const a = (i + random.uniform(-0.16, 0.16)) / n * (closed ? 2 * pi : 9);
+            double const r = closed ? 20 + 8 * std::cos(3 * a) : 5 + 20 * a;
+            original.push_back(solid ? at(r * std::cos(a), r * std::sin(a), closed ? 3 * std::sin(a) : a)
+                                     : at(r * std::cos(a), r * std::sin(a)));
+        }
+        if (n < 30) original.resize(3);  // few points have shorter ways across
+        points list = shuffled(random, original);
+        points const expected = expected_order(original, list, closed);
+        idioms::array<point> array = as_array(list);
+        idioms::array<point> const shared = array;
+        points const given = list;
+        ASSERT_TRUE(sort_spline_data(list, closed));
+        EXPECT_TRUE(list == expected || (original.size() == 3 && !closed));
+        ASSERT_TRUE(sort_spline_data(array, closed));
+        EXPECT_TRUE(std::equal(array.begin(), array.end(), list.begin()));
+        EXPECT_TRUE(std::equal(shared.begin(), shared.end(), given.begin()));  // the copy is untouched
+        ASSERT_TRUE(sort_spline_data(list, closed));                           // sorted: stays
+        EXPECT_TRUE(list == expected || (original.size() == 3 && !closed));
+    }
+}
+
+TEST(SortSplineData, KeepsRepeatedPointsTogetherAndRefusesPointsWithoutAPlace) {
+    points list = {at(0, 0), at(3, 0), at(1, 0), at(3, 0), at(2, 0), at(0, 0)};
+    ASSERT_TRUE(sort_spline_data(list, false));
+    EXPECT_TRUE(list == (points{at(0, 0), at(0, 0), at(1, 0), at(2, 0), at(3, 0), at(3, 0)}));
+    points same(1000, at(1, 2));
+    EXPECT_TRUE(sort_spline_data(same, true) && same == points(1000, at(1, 2)));
+    points nothing;
+    EXPECT_TRUE(sort_spline_data(nothing, true));
+    for (point const& bad : {point(), at(std::nan(""), 0), at(0, infinity)}) {
+        points failing = {at(5, 0), at(0, 0), bad, at(1, 0)}, before = failing;
+        EXPECT_FALSE(sort_spline_data(failing, false));
+        EXPECT_TRUE(failing[0] == before[0] && failing[3] == before[3]);
+    }
 }
 
 }  // namespace
