@@ -3,6 +3,7 @@
 #include <span>
 #include <vector>
 
+#include "fitting/point_span.h"
 #include "geometry/xyz.h"
 #include "tvmath/array.h"
 
@@ -19,10 +20,6 @@ struct local_points {
     xyz to_local(xyz const& p) const { return (1 / scale) * (p - center); }
     xyz from_local(xyz const& p) const { return center + scale * p; }
 };
-
-inline std::span<point const> span_of(idioms::array<point> const& points) {
-    return {points.begin(), points.end()};
-}
 
 /// Empty for no points, a point that is not a finite 3D point, and points that are all equal.
 local_points make_local(std::span<point const> points);

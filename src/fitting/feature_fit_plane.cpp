@@ -2,6 +2,7 @@
 #include <cmath>
 #include <span>
 
+#include "fitting/point_span.h"
 #include "geometry/extent.h"
 #include "geometry/xyz.h"
 #include "point_lists.h"
@@ -11,12 +12,6 @@
 
 inline namespace tvmath {
 namespace {
-
-using point_span = std::span<point const>;
-
-point_span span_of(idioms::array<point> const& points) {
-    return {points.begin(), points.end()};
-}
 
 // Second moments of the points about `center` along three perpendicular axes.
 struct moments {

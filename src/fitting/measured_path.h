@@ -3,6 +3,7 @@
 #include <span>
 #include <vector>
 
+#include "fitting/point_span.h"
 #include "geometry/xyz.h"
 #include "tvmath/array.h"
 #include "tvmath/point.h"
@@ -26,13 +27,6 @@ struct measured_path {
 /// Empty for fewer different points than 2 (open) or 3 (closed), for a trivial point, for coordinates or an
 /// extent that are not finite, and for more points than a Bezier path can count.
 measured_path prepare_path(std::span<point const> points, bool closed);
-
-inline std::span<point const> span_of(idioms::array<point> const& points) {
-    return {points.begin(), points.end()};
-}
-inline std::span<point const> span_of(std::vector<point> const& points) {
-    return points;
-}
 
 /// Distances between neighbours; of a closed path also from the last to the first.
 std::vector<double> chord_lengths(std::vector<xyz> const& points, bool closed);

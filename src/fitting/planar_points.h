@@ -3,18 +3,12 @@
 #include <span>
 #include <vector>
 
+#include "fitting/point_span.h"
 #include "tvmath/array.h"
 #include "tvmath/point.h"
 #include "tvmath/transform.h"
 
 inline namespace tvmath {
-
-inline std::span<point const> span_of(std::vector<point> const& points) {
-    return points;
-}
-inline std::span<point const> span_of(idioms::array<point> const& points) {
-    return {points.begin(), points.end()};
-}
 
 /// Two plain numbers in XY, for inner loops.
 struct xy {

@@ -3,18 +3,13 @@
 #include <cmath>
 #include <span>
 
+#include "fitting/point_span.h"
 #include "geometry/point_lanes.h"
 
 inline namespace tvmath {
 namespace {
 
 // Both list forms run the same steps over the same memory, so that they agree to the last bit.
-using point_span = std::span<point const>;
-
-point_span span_of(idioms::array<point> const& points) {
-    return {points.begin(), points.end()};
-}
-
 // Sums of all points with the rounding error of every addition kept beside them: far from the origin a plain
 // sum of 1e6 coordinates loses up to three digits that the points still have. Source: D. Knuth, TAOCP
 // 2, 4.2.2, theorem B (the error of an addition, without a branch).

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "descriptions/record_kinds.h"
-#include "ellipse_foot.h"
+#include "ellipse_walk.h"
 #include "geometry/closest_ellipse.h"
 #include "geometry/planar_shape.h"
 #include "geometry/xyz.h"
@@ -141,9 +141,10 @@ unsigned int calculate_errors(Ellipse_Description const& feature, point_list con
     }
     unit_axes const axes = unit_axes_of(make_transform(point(), major, minor, feature.geometry.basis(3)));
     xyz const u(axes.u), v(axes.v);
+    walked_ellipse const outline(0, 0, a, b, 0);
     measure(points, feature.geometry.basis(0), errors, [=](xyz const& d) {
         double const x = dot(d, u), y = dot(d, v);
-        double const deviation = walk_to_ellipse(x, y, a, b).deviation(x, y, a, b);
+        double const deviation = -foot_at(outline, walk_to_foot(outline, x, y), x, y).depth;
         return std::isnan(deviation) ? deviation_of_any(x, y, a, b) : deviation;
     });
     return 5;

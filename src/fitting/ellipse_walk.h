@@ -3,7 +3,6 @@
 #include <cmath>
 
 inline namespace tvmath {
-namespace geometry_fitter {
 
 /// An ellipse in XY for the walk to its feet: half-axes a along (cosine, sine) and b across.
 struct walked_ellipse {
@@ -78,5 +77,4 @@ inline ellipse_place walk_to_foot(walked_ellipse const& e, double px, double py)
                           : walk_inside(e, x, y, walk_inside(e, x, y, start));
 }
 
-}  // namespace geometry_fitter
 }  // namespace tvmath
