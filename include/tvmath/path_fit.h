@@ -64,9 +64,10 @@ TVMATH_API curve bezier_minimum_curvature_fit(idioms::array<point> points, bool 
 /// With each step the feet follow the curve: the step is nearly the Gauss-Newton one for the distances. A
 /// hundredth of it is that of fixed parameters, so that control points do not slide along the curve, by which
 /// the sum would still fall a little without end. The steps stop when one gains less than 1e-4 of the sum,
-/// after 50 at most, or 20 above 1e5 points. A contour that comes near itself is safe as long as its noise is
-/// below the spacing there; points that one curve can hardly follow, a few for each turn, leave it loosely
-/// determined.
+/// after 50 at most, or 20 above 1e5 points, and before the control polygon is a tenth longer than at the
+/// start, since a loop in a gap between the points would cost nothing. A contour that comes near itself is
+/// safe as long as its noise is below the spacing there; points that one curve can hardly follow, a few for
+/// each turn, leave it loosely determined.
 ///
 /// Sources: J. Hoschek, Intrinsic parametrization for approximation, CAGD 5 (1988) 27-31; D. F. Rogers, N. G.
 /// Fog, Constrained B-spline curve and surface fitting, Computer-Aided Design 21 (1989) 641-648; W. Wang, H.

@@ -189,11 +189,14 @@ public:
     // points from sliding along the curve, which gains next to nothing and never ends.
     void refine(spline_state& state, int rounds) {
         double still = 0.1;
+        // Where there are no points, as in the gap of a scan, a loop costs nothing: the control polygon may
+        // not grow much.
+        double const longest = 1.1 * polygon_length(state);
         for (int round = 0; round < rounds;) {
             spline_state next = state;
             double const step = move_controls(next, still);
             take_feet(next);
-            if (next.sum < state.sum) {
+            if (next.sum < state.sum && polygon_length(next) <= longest) {
                 bool const settled = step < 0x1p-46 || state.sum - next.sum <= 1e-4 * state.sum;
                 std::swap(state, next);
                 if (settled) return;
@@ -208,6 +211,12 @@ public:
     }
 
 private:
+    double polygon_length(spline_state const& state) const {
+        double sum = 0;
+        for (double const leg : chord_lengths(state.controls, space_.is_closed())) sum += leg;
+        return sum;
+    }
+
     static std::vector<std::size_t> envelope(spline_space const& space) {
         std::vector<std::size_t> first;
         std::size_t const n = space.freedoms();

@@ -389,6 +389,15 @@ TEST(BezierLeastSquaresFit, SmoothsNoiseAndIsAMinimum) {
     }
 }
 
+// A closed contour of which a quarter could not be measured: no loop fills the gap.
+TEST(BezierLeastSquaresFit, CrossesAGapWithoutALoop) {
+    seeded_random random(12);
+    for (int trial = 0; trial < 20; ++trial) {
+        points const list = circle_points(random, at(0, 0), 1, 0, 1.5 * pi, 60 + 10 * trial, 3e-3);
+        for (point const& p : bezier_least_squares_fit(list, true)) EXPECT_LE(p.length2d(), 1.6) << trial;
+    }
+}
+
 TEST(NurbFit, OfManyPointsRunsAlongThem) {
     seeded_random random(9);
     points const list = circle_points(random, at(1e5, 5), 20, 0, 2 * pi, 500, 1e-3);
