@@ -39,7 +39,7 @@ public:
     static constexpr bool optimize_dtor() { return true; }
 };
 
-// Comparisons are exact; a double has the imaginary part 0.
+// Comparisons are exact; a double is a number on the real axis.
 
 /// 1 when both parts are 0, else 0.
 inline int operator!(complex const& z) {
@@ -222,7 +222,7 @@ TVMATH_API complex arctan(complex const& z);
 /// Imaginary part in [-pi/2, pi/2]. On the imaginary axis above i the real part is positive, below -i
 /// negative.
 TVMATH_API complex arcsinh(complex const& z);
-/// Real part 0 or more. Real z inside (-1, 1): i arccos z; below -1: arccosh(-z) + i pi.
+/// Real part at least 0. Real z inside (-1, 1): i arccos z; below -1: arccosh(-z) + i pi.
 TVMATH_API complex arccosh(complex const& z);
 /// Imaginary part in [-pi/2, pi/2]. Real z above 1 has the imaginary part pi/2, below -1 it has -pi/2; 1 and
 /// -1 give infinities.

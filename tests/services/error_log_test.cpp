@@ -47,10 +47,10 @@ TEST(ErrorLog, WritesThePrefixAndTheMessage) {
         char const* zone;
         std::string offset;
     } const zones[] = {{"UTC0", "Z"},
-                       {"XXX-5:30", "\\+05:30"},
-                       {"XXX3:30", "-03:30"},
-                       {"XXX0:30", "-00:30"},
-                       {"XXX-13", "\\+13:00"}};
+                       {"TST-5:30", "\\+05:30"},
+                       {"TST3:30", "-03:30"},
+                       {"TST0:30", "-00:30"},
+                       {"TST-13", "\\+13:00"}};
     for (auto const& zone : zones) {
         SCOPED_TRACE(zone.zone);
         installation place;
