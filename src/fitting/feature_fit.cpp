@@ -1,8 +1,8 @@
 #include "tvmath/feature_fit.h"
 
 #include <cmath>
-#include <span>
 
+#include "fitting/point_span.h"
 #include "geometry/extent.h"
 #include "geometry/xyz.h"
 #include "point_lists.h"
@@ -38,7 +38,7 @@ circle iterated_circle(list const& points) {
 }
 
 // The fitter takes points in space; what it makes of points in the plane is brought back there.
-circle iterated_plane_circle(std::span<point const> points) {
+circle iterated_plane_circle(point_span points) {
     std::vector<point> raised(points.begin(), points.end());
     for (point& p : raised) {
         if (p.is_trivial()) return circle();  // would become the origin
@@ -51,7 +51,7 @@ circle iterated_plane_circle(std::span<point const> points) {
 
 template <class list>
 circle fit_circle(list const& points) {
-    std::span<point const> const all(points.begin(), points.end());
+    point_span const all = span_of(points);
     unsigned int const distinct = count_distinct(all, 3);
     if (distinct < 3) return circle();
     if (distinct > 3) return all[0].is_2d() ? iterated_plane_circle(all) : iterated_circle(points);
@@ -63,7 +63,7 @@ circle fit_circle(list const& points) {
 
 // Mean distance of the points from `center`, a NaN when there is a trivial point or none at all. A distance
 // takes x, y and z, or x and y alone.
-double mean_distance(xyz const& center, std::span<point const> points, bool in_space) {
+double mean_distance(xyz const& center, point_span points, bool in_space) {
     double sum = 0;
     for (point const& p : points) {
         if (p.is_trivial()) return domain_error_value;
@@ -74,7 +74,7 @@ double mean_distance(xyz const& center, std::span<point const> points, bool in_s
 }
 
 template <class shape>
-shape fit_about(point const& center, std::span<point const> points, bool in_space) {
+shape fit_about(point const& center, point_span points, bool in_space) {
     if (center.is_trivial()) return shape();
     return finite_shape<shape>(mean_distance(xyz(center), points, in_space), center);
 }
@@ -123,7 +123,7 @@ circle circle_centered_fit(point center, std::vector<point> const& points) {
 }
 
 circle circle_centered_fit(point center, idioms::array<point> points) {
-    return fit_about<circle>(center, {points.begin(), points.end()}, false);
+    return fit_about<circle>(center, span_of(points), false);
 }
 
 sphere sphere_fit(std::vector<point> const& points) {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
-#include <span>
 
+#include "fitting/point_span.h"
 #include "tvmath/feature_fit.h"
 #include "tvmath/quick_fit.h"
 #include "tvmath/scalar.h"
@@ -11,7 +11,7 @@ namespace {
 
 // The range of the points' angles about `center`: the complement of the largest gap between neighbours, the
 // first one of equals. False for no points, a trivial point, and an angle that is not a number.
-bool angular_range(point const& center, std::span<point const> points, double& start, double& end) {
+bool angular_range(point const& center, point_span points, double& start, double& end) {
     std::vector<double> angles;
     angles.reserve(points.size());
     for (point const& p : points) {
@@ -36,7 +36,7 @@ bool angular_range(point const& center, std::span<point const> points, double& s
     return true;
 }
 
-circle turn_to_arc(circle const& c, std::span<point const> points, double& sweep) {
+circle turn_to_arc(circle const& c, point_span points, double& sweep) {
     double start = 0, end = 0;
     if (c.is_trivial()) return c;
     if (!angular_range(c.basis(0), points, start, end)) return circle();
@@ -52,7 +52,7 @@ bool arc_quick_fit(idioms::array<point> points, point& center, double& radius, d
     point c;
     double r = 0;
     if (!circle_quick_fit(points, c, r) || !std::isfinite(r)) return false;
-    if (!angular_range(c, {points.begin(), points.end()}, start_angle, end_angle)) return false;
+    if (!angular_range(c, span_of(points), start_angle, end_angle)) return false;
     center = c;
     radius = r;
     return true;
@@ -71,7 +71,7 @@ circle circle_to_arc(circle c, std::vector<point> const& points, double& sweep) 
 }
 
 circle circle_to_arc(circle c, idioms::array<point> points, double& sweep) {
-    return turn_to_arc(c, {points.begin(), points.end()}, sweep);
+    return turn_to_arc(c, span_of(points), sweep);
 }
 
 }  // namespace tvmath

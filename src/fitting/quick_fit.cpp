@@ -4,6 +4,7 @@
 #include <span>
 
 #include "fitting/point_span.h"
+#include "fitting/principal_axis.h"
 #include "geometry/point_lanes.h"
 
 inline namespace tvmath {
@@ -57,20 +58,9 @@ bool fit_line(point_span points, point& center, point& direction) {
         return true;
     }
 
-    double uu = 0, uv = 0, vv = 0;
-    for (point const& p : points) {
-        double const u = p.x() - centroid.x(), v = p.y() - centroid.y();
-        uu += u * u;
-        uv += u * v;
-        vv += v * v;
-    }
-    // Exact on purpose: any difference, however small, is a principal axis that the data has.
-    if (uu == vv && uv == 0.0) return false;
-
-    // With t the axis' angle: a = h cos 2t, b = h sin 2t, and (a + b + h, b - a + h) is a multiple of (cos t,
-    // sin t). For negative b its terms would cancel; the other multiple has none.
-    double const a = uu - vv, b = 2 * uv, h = std::sqrt(a * a + b * b);
-    direction = normalize(b >= 0 ? point(false, a + b + h, b - a + h) : point(false, a - b + h, a + b - h));
+    point const axis = principal_axis(points, centroid);
+    if (axis.is_trivial()) return false;
+    direction = axis;
     center = centroid;
     return true;
 }

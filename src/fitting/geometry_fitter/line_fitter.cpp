@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "constraint_list.h"
+#include "fitting/principal_axis.h"
 #include "geometry/xyz.h"
 #include "planar.h"
 #include "tvmath/quick_fit.h"
@@ -16,21 +17,6 @@ constexpr counting_rules line_rules = {
     .unknowns = 2, .centered = {1, any_number}, .through = {1, any_number}, .direction = {1, 1}};
 
 constexpr double least_span = 1e-05;  // below it a given direction keeps its given length
-
-// The principal axis, in XY, of the points about `anchor`, a unit direction; trivial when their scatter has
-// none. Two forms of the same axis, so that no terms cancel.
-point principal_axis(std::vector<point> const& points, point const& anchor) {
-    double uu = 0, uv = 0, vv = 0;
-    for (point const& p : points) {
-        double const u = p.x() - anchor.x(), v = p.y() - anchor.y();
-        uu += u * u;
-        uv += u * v;
-        vv += v * v;
-    }
-    if (uu == vv && uv == 0.0) return point();  // exact: any difference is an axis that the data has
-    double const a = uu - vv, b = 2 * uv, h = std::sqrt(a * a + b * b);
-    return normalize(b >= 0 ? point(false, a + b + h, b - a + h) : point(false, a - b + h, a + b - h));
-}
 
 // Range along a line, as lengths from its middle: so a line far from the origin keeps its digits.
 struct range {
