@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "fitting/point_span.h"
+#include "point_span.h"
 #include "tvmath/feature_fit.h"
 #include "tvmath/quick_fit.h"
 #include "tvmath/scalar.h"

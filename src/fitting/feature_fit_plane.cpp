@@ -2,7 +2,7 @@
 #include <cmath>
 #include <span>
 
-#include "fitting/point_span.h"
+#include "point_span.h"
 #include "geometry/extent.h"
 #include "geometry/xyz.h"
 #include "point_lists.h"

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "fitting/point_span.h"
+#include "point_span.h"
 
 inline namespace tvmath {
 

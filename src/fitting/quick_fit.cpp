@@ -3,8 +3,8 @@
 #include <cmath>
 #include <span>
 
-#include "fitting/point_span.h"
-#include "fitting/principal_axis.h"
+#include "point_span.h"
+#include "principal_axis.h"
 #include "geometry/point_lanes.h"
 
 inline namespace tvmath {

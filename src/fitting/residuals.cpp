@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "descriptions/record_kinds.h"
-#include "ellipse_walk.h"
+#include "fitting/ellipse/ellipse_walk.h"
 #include "geometry/closest_ellipse.h"
 #include "geometry/planar_shape.h"
 #include "geometry/xyz.h"

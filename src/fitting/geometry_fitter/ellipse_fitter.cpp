@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "constraint_list.h"
-#include "fitting/ellipse_walk.h"
+#include "fitting/ellipse/ellipse_walk.h"
 #include "fitting/iterative_solve.h"
 #include "row_block.h"
 #include "tvmath/ellipse_fit.h"

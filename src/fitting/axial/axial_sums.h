@@ -3,7 +3,7 @@
 #include <span>
 
 #include "axial_surface.h"
-#include "small_cholesky.h"
+#include "fitting/small_cholesky.h"
 
 inline namespace tvmath {
 

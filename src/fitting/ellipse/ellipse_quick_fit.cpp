@@ -2,7 +2,7 @@
 #include <array>
 #include <cmath>
 
-#include "planar_points.h"
+#include "fitting/planar/planar_points.h"
 #include "tvmath/ellipse_fit.h"
 #include "tvmath/matrix.h"
 #include "tvmath/quick_fit.h"

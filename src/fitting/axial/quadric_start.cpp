@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "small_cholesky.h"
+#include "fitting/small_cholesky.h"
 #include "tvmath/scalar.h"
 
 inline namespace tvmath {

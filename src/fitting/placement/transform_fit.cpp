@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "geometry/xyz.h"
-#include "point_lists.h"
+#include "fitting/point_lists.h"
 #include "tvmath/matrix.h"
 #include "tvmath/transform.h"
 

@@ -1,6 +1,6 @@
 #include "tvmath/ellipse_fit.h"
 
-#include "planar_points.h"
+#include "fitting/planar/planar_points.h"
 #include "tvmath/geometry_fitter.h"
 
 inline namespace tvmath {
