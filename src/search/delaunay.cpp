@@ -8,27 +8,13 @@
 #include <memory>
 #include <new>
 
-#include "delaunay_mesh.h"
+#include "delaunay_strips.h"
 
 inline namespace tvmath {
 namespace Delaunay {
 namespace {
 
 static_assert(sizeof(Edge) == 6 * sizeof(void*) + 2, "callers allocate the edges without padding");
-
-// Along x, ties along y; equal points in the order of the caller.
-bool before(site const& p, site const& q) {
-    if (p.at[0] != q.at[0]) return p.at[0] < q.at[0];
-    if (p.at[1] != q.at[1]) return p.at[1] < q.at[1];
-    return p.source < q.source;
-}
-// The same order turned by a quarter: along y, ties against x.
-bool below(site const& p, site const& q) {
-    return p.at[1] != q.at[1] ? p.at[1] < q.at[1] : p.at[0] > q.at[0];
-}
-bool same_place(site const& p, site const& q) {
-    return p.at[0] == q.at[0] && p.at[1] == q.at[1];
-}
 
 // The range in which the predicates are exact.
 constexpr int smallest_exponent = -255, largest_exponent = 250;
@@ -67,11 +53,13 @@ coordinate_range read_sites(double const* coordinates, unsigned int points, unsi
 // smaller is rounded, in the same way for all, so that the triangulation of the rounded points is exact.
 void scale_into_range(coordinate_range& range, site* from, site* to) {
     int const shift = largest_exponent - 1 - std::ilogb(range.largest);
-    double const rounder = std::ldexp(1.5, smallest_exponent + 52);
+    // All digits of a number that is at least `full` are in the range. At `full` times 3 its last one is cut
+    // off.
+    double const full = std::ldexp(1.0, smallest_exponent + 52);
     for (site* s = from; s != to; ++s) {
         for (double& x : s->at) {
             x = std::ldexp(x, shift);
-            if (std::fabs(x) < rounder) x = (x + rounder) - rounder;
+            if (std::fabs(x) < full) x = (x + 3 * full) - 3 * full;
         }
     }
     range.largest = std::ldexp(1.0, largest_exponent);
@@ -98,73 +86,19 @@ site* part_from_repeated(site* from, site* to, Edge* edges_end) {
     return kept + 1;
 }
 
-// The hull ends in the order along x of a part that was triangulated in the order along y.
-hull_ends turn_ends(hull_ends ends) {
-    auto const precedes = [](double const* p, double const* q) {
-        return p[0] != q[0] ? p[0] < q[0] : p[1] < q[1];
-    };
-    half first = ends.first, last = turned(ends.first);
-    for (half h = next_right(ends.first); !(h == ends.first); h = next_right(h)) {
-        if (precedes(origin(h), origin(first))) first = h;
-        if (precedes(origin(last), target(h))) last = turned(h);
-    }
-    return {first, last};
-}
-
-// Strips of equal count along x, cut along y in themselves: cells that are about square meet along short
-// borders, where few edges of one part are erased by the next. Cuts along x alone take half as long again.
-class strips {
-public:
-    strips(mesh& triangulation, site* sites, std::size_t count)
-        : mesh_(triangulation), sites_(sites), count_(count) {
-        strips_ = static_cast<std::size_t>(std::sqrt(static_cast<double>(count) / 8));
-    }
-
-    hull_ends triangulate() {
-        return strips_ < 2 ? mesh_.triangulate(sites_, sites_ + count_) : triangulate(0, strips_);
-    }
-
-private:
-    hull_ends triangulate(std::size_t from, std::size_t to) {
-        if (to - from == 1) {
-            site *const begin = start(from), *const end = start(to);
-            std::sort(begin, end, below);
-            return turn_ends(mesh_.triangulate(begin, end));
-        }
-        std::size_t const middle = (from + to) / 2;
-        hull_ends const left = triangulate(from, middle);
-        return mesh_.merge(left, triangulate(middle, to));
-    }
-    site* start(std::size_t strip) const { return sites_ + count_ * strip / strips_; }
-
-    mesh& mesh_;
-    site* sites_;
-    std::size_t count_, strips_;
-};
-
 void reverse(Edge& e) {
     e = {e.b, e.a, e.right_prev, e.right_next, e.left_prev, e.left_next, e.in_stack, e.on_hull};
 }
 
-// Turns the hull edges so that the outside is on their right.
-void mark_hull(half first) {
+// Turns the hull edges so that the outside is on their right. Every edge of a chain has it on both sides;
+// they come one after the other from its first end.
+void mark_outside(half first, unsigned int count, bool chain) {
     half h = first;
-    do {
+    for (unsigned int i = 0; i < count && (i == 0 || h.edge != first.edge); ++i) {
         half const next = next_right(h);
         if (h.reversed) reverse(*h.edge);
         h.edge->on_hull = true;
-        h = next;
-    } while (h.edge != first.edge);
-}
-
-// Every edge of a chain has the outside on both sides, and one of them is to be its hull side.
-void mark_chain(half first, unsigned int count) {
-    half h = first;
-    for (unsigned int i = 0; i < count; ++i) {
-        half const next = next_right(h);
-        if (h.reversed) reverse(*h.edge);
-        h.edge->left_prev = h.edge->left_next = h.edge;
-        h.edge->on_hull = true;
+        if (chain) h.edge->left_prev = h.edge->left_next = h.edge;
         h = next;
     }
 }
@@ -173,19 +107,27 @@ double const* source_of(double const* at) {
     return reinterpret_cast<site const*>(at)->source;
 }
 
-// Triangulates distinct sites in order, two or more, and returns the number of edges.
-unsigned int triangulate_sites(site* sites, std::size_t count, predicates const& exact, Edge* edges) {
-    mesh triangulation(edges, exact);
-    half first = strips(triangulation, sites, count).triangulate().first;
-    unsigned int const written = triangulation.compact(first);
-    if (written == count - 1) {
-        mark_chain(first, written);
-    } else {
-        mark_hull(first);
+// Triangulates sites in the caller's buffer of edges and returns the number of edges.
+template <int axis>
+unsigned int triangulate_sites(site* from, site* to, double aspect, predicates const& exact, Edge* edges,
+                               unsigned int capacity) {
+    sort_sites<axis>(from, to);
+    auto const distinct = static_cast<std::size_t>(part_from_repeated(from, to, edges + capacity) - from);
+    unsigned int written = 0;
+    if (distinct > 1) {
+        mesh triangulation(edges, exact);
+        half first = strips<axis>(triangulation, from, distinct, aspect).triangulate();
+        written = triangulation.compact(first);
+        mark_outside(first, written, written == distinct - 1);
     }
     for (Edge* e = edges; e != edges + written; ++e) {
         e->a = source_of(e->a);
         e->b = source_of(e->b);
+    }
+    auto const repeated = static_cast<unsigned int>(static_cast<std::size_t>(to - from) - distinct);
+    for (unsigned int i = 1; i <= repeated; ++i, ++written) {
+        Edge const& e = edges[capacity - i];
+        edges[written] = lone_edge(e.a, e.b, edges + written);
     }
     return written;
 }
@@ -219,21 +161,10 @@ unsigned int delaunay_triangulation(double const* coordinates, unsigned int poin
     if (range.largest > std::ldexp(1.0, largest_exponent) || range.last_digit < smallest_exponent) {
         scale_into_range(range, sites.get(), end);
     }
-    std::sort(sites.get(), end, before);
-    auto const distinct =
-        static_cast<std::size_t>(part_from_repeated(sites.get(), end, edges + capacity) - sites.get());
-
-    unsigned int written = 0;
-    if (distinct > 1) {
-        predicates const exact(std::ldexp(1.0, range.last_digit), range.largest);
-        written = triangulate_sites(sites.get(), distinct, exact, edges);
-    }
-    for (std::size_t i = distinct; i < points; ++i) {
-        Edge const repeated = edges[capacity - 1 - (i - distinct)];
-        edges[written] = lone_edge(repeated.a, repeated.b, edges + written);
-        ++written;
-    }
-    return written;
+    predicates const exact(std::ldexp(1.0, range.last_digit), range.largest);
+    cuts const way = cuts_of(sites.get(), end);
+    auto const triangulate = way.axis == 0 ? triangulate_sites<0> : triangulate_sites<1>;
+    return triangulate(sites.get(), end, way.aspect, exact, edges, capacity);
 }
 
 unsigned int make_mesh__triad_count(unsigned int points, unsigned int edges) {

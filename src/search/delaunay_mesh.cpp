@@ -123,19 +123,14 @@ hull_ends mesh::merge(hull_ends left, hull_ends right) {
     }
 }
 
+// Edges that are alone around an end are not moved: where there is one, the sites are on a line, and nothing
+// was erased.
 void mesh::relocate(Edge* from, Edge* to) {
     *to = *from;
     for (bool const reversed : {false, true}) {
-        half const old = {from, reversed}, moved = {to, reversed};
-        half const next = next_around(old), previous = previous_around(old);
-        // Alone around its end, the edge is its own neighbour.
-        if (next.edge == from) {
-            set_next(moved, to);
-            set_previous(moved, to);
-        } else {
-            set_previous(next, to);
-            set_next(previous, to);
-        }
+        half const next = next_around({from, reversed}), previous = previous_around({from, reversed});
+        set_previous(next, to);
+        set_next(previous, to);
     }
 }
 

@@ -54,6 +54,18 @@ bool same_box(double const* p, double const* q, double const* r, double const* s
     return same(0) && same(1);
 }
 
+double exact_power(double const* a, double const* b, double const* c, double const* d, double size) {
+    if (same_box(a, b, c, d) || same_box(a, c, b, d) || same_box(b, c, a, d)) return 0;
+    twofold const power = power_of(difference(a[0], d[0]), difference(a[1], d[1]), difference(b[0], d[0]),
+                                   difference(b[1], d[1]), difference(c[0], d[0]), difference(c[1], d[1]));
+    // A dozen roundings of at most 2^-102 of the size each.
+    if (std::fabs(power.high) > 0x1p-96 * size) return power.high;
+    using delta = exact_sum<2>;
+    return power_of(delta{a[0], -d[0]}, delta{a[1], -d[1]}, delta{b[0], -d[0]}, delta{b[1], -d[1]},
+                    delta{c[0], -d[0]}, delta{c[1], -d[1]})
+        .sign();
+}
+
 }  // namespace
 
 predicates::predicates(double quantum, double largest) {
@@ -68,17 +80,17 @@ double predicates::exact_turn(double const* a, double const* b, double const* c)
     return determinant(ax, ay, bx, by).sign();
 }
 
-double predicates::exact_in_circle(double const* a, double const* b, double const* c, double const* d,
-                                   double size) {
-    if (same_box(a, b, c, d) || same_box(a, c, b, d) || same_box(b, c, a, d)) return 0;
-    twofold const power = power_of(difference(a[0], d[0]), difference(a[1], d[1]), difference(b[0], d[0]),
-                                   difference(b[1], d[1]), difference(c[0], d[0]), difference(c[1], d[1]));
-    // A dozen roundings of at most 2^-102 of the size each.
-    if (std::fabs(power.high) > 0x1p-96 * size) return power.high;
-    using delta = exact_sum<2>;
-    return power_of(delta{a[0], -d[0]}, delta{a[1], -d[1]}, delta{b[0], -d[0]}, delta{b[1], -d[1]},
-                    delta{c[0], -d[0]}, delta{c[1], -d[1]})
-        .sign();
+double predicates::near_circle(double const* a, double const* b, double const* c, double const* d,
+                               double power, double size) const {
+    if (!(size <= exact_power_)) power = exact_power(a, b, c, d, size);
+    if (power != 0.0 || d == a || d == b || d == c) return power;
+    // The power grows with the distance of a, b and c from the centre by the areas of the other three, and
+    // falls with that of d.
+    double const *const ab = precedes<0>(a, b) ? b : a, *const cd = precedes<0>(c, d) ? d : c;
+    double const* const last = precedes<0>(ab, cd) ? cd : ab;
+    if (last == a) return turn(b, c, d);
+    if (last == b) return turn(c, a, d);
+    return last == c ? turn(a, b, d) : -turn(a, b, c);
 }
 
 }  // namespace Delaunay

@@ -5,6 +5,13 @@
 inline namespace tvmath {
 namespace Delaunay {
 
+/// The order of points along one axis, ties along the other. Parts that are apart in this order can be parted
+/// by a line.
+template <int axis>
+bool precedes(double const* p, double const* q) {
+    return p[axis] != q[axis] ? p[axis] < q[axis] : p[1 - axis] < q[1 - axis];
+}
+
 /// The two questions that a triangulation asks, answered with the exact sign for any coordinates.
 ///
 /// First in plain double precision with a bound on the rounding; a value within the bound is decided by
@@ -28,8 +35,10 @@ public:
         return exact_turn(a, b, c);
     }
 
-    /// Positive when d lies inside the circle through a, b, c, which run anticlockwise, negative outside, 0
-    /// on the circle.
+    /// Positive when d lies inside the circle through a, b, c, which run anticlockwise, negative outside. On
+    /// the circle the last of the four points in the order along x counts as moved out of it, so that there
+    /// is one answer to every question and one triangulation of every set of points: the one to which
+    /// insertion in that order leads. 0 when d is one of the others.
     double in_circle(double const* a, double const* b, double const* c, double const* d) const {
         double const ax = a[0] - d[0], bx = b[0] - d[0], cx = c[0] - d[0];
         double const ay = a[1] - d[1], by = b[1] - d[1], cy = c[1] - d[1];
@@ -40,8 +49,8 @@ public:
         double const size = aa * (std::fabs(bxcy) + std::fabs(cxby)) +
                             bb * (std::fabs(cxay) + std::fabs(axcy)) +
                             cc * (std::fabs(axby) + std::fabs(bxay));
-        if (std::fabs(power) > circle_rounding * size || size <= exact_power_) return power;
-        return exact_in_circle(a, b, c, d, size);
+        if (std::fabs(power) > circle_rounding * size) return power;
+        return near_circle(a, b, c, d, power, size);
     }
 
 private:
@@ -51,11 +60,11 @@ private:
     static constexpr double circle_rounding = (10 + 96 * u) * u;
 
     static double exact_turn(double const* a, double const* b, double const* c);
-    static double exact_in_circle(double const* a, double const* b, double const* c, double const* d,
-                                  double size);
+    double near_circle(double const* a, double const* b, double const* c, double const* d, double power,
+                       double size) const;
 
     // Terms below these sizes are integer multiples of quantum² or quantum^4 with 53 bits, so that nothing
-    // was rounded: on pixel grids, where four points on a circle are the rule, their 0 needs no second look.
+    // was rounded: on pixel grids, where four points on a circle are the rule, their 0 is known to be exact.
     double exact_area_, exact_power_;
 };
 
