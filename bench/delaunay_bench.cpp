@@ -5,8 +5,7 @@
 #include "support/bench_name.h"
 #include "support/seeded_random.h"
 
-#if __has_include(<CGAL/Delaunay_triangulation_2.h>)
-#define TVMATH_HAS_CGAL
+#ifdef TVMATH_HAS_CGAL
 #include <CGAL/Delaunay_triangulation_2.h>
 #include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
 #endif

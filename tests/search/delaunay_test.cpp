@@ -41,8 +41,7 @@ int128 in_circle(node a, node b, node c, node d) {
     return lift(a) * turn(b, c, d) + lift(b) * turn(c, a, d) + lift(c) * turn(a, b, d);
 }
 
-// Points on the border of the convex hull, those inside its sides too, each once: monotone chains of A.
-// Andrew.
+// Points on the border of the convex hull, those inside its sides too: monotone chains of A. Andrew.
 std::set<node> hull_border(std::set<node> const& points, int128& twice_area) {
     std::set<node> border;
     twice_area = 0;
@@ -120,6 +119,7 @@ void expect_edges(result const& r, std::size_t repeated, std::size_t border, boo
     for (Delaunay::Edge const& e : r.edges) {
         EXPECT_FALSE(e.in_stack);
         bool const same = e.a[0] == e.b[0] && e.a[1] == e.b[1];
+        EXPECT_TRUE(!same || e.a < e.b);
         lone += same;
         hull += e.on_hull && !same;
         if (same || on_a_line) {
