@@ -315,7 +315,7 @@ TEST(Delaunay, CountsByHand) {
     EXPECT_TRUE(e.left_prev == &e && e.left_next == &e && e.right_prev == &e && e.right_next == &e);
 }
 
-// A stride that leaves every other double unaligned, and a list of points as it lies in memory.
+// A list of points is triangulated where it lies.
 TEST(Delaunay, ReadsAnyStride) {
     std::vector<point> const list = {point(true, 0, 0), point(true, 2, 0), point(true, 0, 2),
                                      point(true, 3, 3)};
