@@ -116,8 +116,8 @@ unsigned int triangulate_sites(site* from, site* to, double aspect, predicates c
     unsigned int written = 0;
     if (distinct > 1) {
         mesh triangulation(edges, exact);
-        half first = strips<axis>(triangulation, from, distinct, aspect).triangulate();
-        written = triangulation.compact(first);
+        half const first = strips<axis>(triangulation, from, distinct, aspect).triangulate();
+        written = triangulation.size();
         mark_outside(first, written, written == distinct - 1);
     }
     for (Edge* e = edges; e != edges + written; ++e) {

@@ -1,7 +1,5 @@
 #include "delaunay_mesh.h"
 
-#include <initializer_list>
-
 inline namespace tvmath {
 namespace Delaunay {
 namespace {
@@ -121,29 +119,6 @@ hull_ends mesh::merge(hull_ends left, hull_ends right) {
                                                                          origin(r.edge), target(r.edge)) > 0);
         base = take_right ? connect(r.edge, turned(base)) : connect(turned(base), turned(l.edge));
     }
-}
-
-// Edges that are alone around an end are not moved: where there is one, the sites are on a line, and nothing
-// was erased.
-void mesh::relocate(Edge* from, Edge* to) {
-    *to = *from;
-    for (bool const reversed : {false, true}) {
-        half const next = next_around({from, reversed}), previous = previous_around({from, reversed});
-        set_previous(next, to);
-        set_next(previous, to);
-    }
-}
-
-unsigned int mesh::compact(half& kept) {
-    Edge *gap = edges_, *end = edges_ + used_;
-    for (;; ++gap) {
-        while (end != gap && !end[-1].a) --end;
-        while (gap != end && gap->a) ++gap;
-        if (gap == end) break;
-        relocate(--end, gap);
-        if (kept.edge == end) kept.edge = gap;
-    }
-    return static_cast<unsigned int>(end - edges_);
 }
 
 }  // namespace Delaunay

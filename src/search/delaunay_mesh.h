@@ -75,15 +75,15 @@ public:
     /// Joins two triangulations, of which the left one is before the right one in that order.
     hull_ends merge(hull_ends left, hull_ends right);
 
-    /// Moves the edges to the front of the buffer, without gaps, and returns their number. `kept` follows its
-    /// edge; no other handle is valid after it.
-    unsigned int compact(half& kept);
+    /// The edges stand at the front of the buffer without gaps, because a merge uses again all that it
+    /// erases: each erased edge brings one more site to the seam, and every site of the seam gets an edge
+    /// across it.
+    unsigned int size() const { return used_; }
 
 private:
     half connect(half from, half to);
     half make_edge(double const* a, double const* b);
     void erase(Edge* edge);
-    void relocate(Edge* from, Edge* to);
     hull_ends triangulate_three(site* s);
     void lower_tangent(half& left, half& right) const;
     struct candidate {

@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
-#include <iterator>
-#include <limits>
 #include <map>
 #include <set>
 #include <sstream>
@@ -14,7 +13,6 @@
 #include <vector>
 
 #include "support/seeded_random.h"
-#include "tvmath/point.h"
 
 inline namespace tvmath {
 namespace {
@@ -59,24 +57,31 @@ std::set<node> hull_border(std::set<node> const& points, int128& twice_area) {
     return border;
 }
 
-struct placement {
-    int exponent;
-    std::int64_t offset;
-};
+using places = std::vector<std::array<double, 3>>;  // x, y and something that is not looked at
+
+places placed(nodes const& points, int exponent, std::int64_t offset) {
+    places list;
+    for (auto const& [x, y] : points) {
+        list.push_back(
+            {std::ldexp(double(x + offset), exponent), std::ldexp(double(y - offset), exponent), NAN});
+    }
+    return list;
+}
 
 // A triangulation in buffers of just the documented size, with a guard behind each.
 struct result {
-    std::vector<double> xy;
+    places list;
     std::vector<Delaunay::Edge> edges;
     std::vector<Delaunay::Triad> triads;
     bool guards_hold = true;
 
-    explicit result(std::vector<double> coordinates) : xy(std::move(coordinates)) {
-        auto const n = static_cast<unsigned int>(xy.size() / 2);
+    explicit result(places points) : list(std::move(points)) {
+        auto const n = static_cast<unsigned int>(list.size());
         unsigned int const capacity = Delaunay::delaunay_triangulation__edge_buffer_count(n);
-        Delaunay::Edge const guard = {xy.data(), nullptr, nullptr, nullptr, nullptr, nullptr, true, false};
+        Delaunay::Edge const guard = {&list[0][0], nullptr, nullptr, nullptr, nullptr, nullptr, true, false};
         edges.assign(capacity + 4, guard);
-        unsigned int const count = Delaunay::delaunay_triangulation(xy.data(), n, 16, edges.data());
+        unsigned int const count =
+            Delaunay::delaunay_triangulation(&list[0][0], n, sizeof list[0], edges.data());
         guards_hold = count <= capacity;
         for (unsigned int i = capacity; i < edges.size(); ++i) {
             guards_hold = guards_hold && std::memcmp(&edges[i], &guard, sizeof guard) == 0;
@@ -90,17 +95,7 @@ struct result {
         edges.resize(count);
         triads.resize(triangles);
     }
-    result(nodes const& points, placement where) : result(placed(points, where)) {}
-
-    static std::vector<double> placed(nodes const& points, placement where) {
-        std::vector<double> xy;
-        for (node const& p : points) {
-            xy.push_back(std::ldexp(static_cast<double>(p.first + where.offset), where.exponent));
-            xy.push_back(std::ldexp(static_cast<double>(p.second - where.offset), where.exponent));
-        }
-        return xy;
-    }
-    std::size_t index(double const* p) const { return static_cast<std::size_t>(p - xy.data()) / 2; }
+    std::size_t index(double const* p) const { return static_cast<std::size_t>(p - &list[0][0]) / 3; }
 };
 
 // Each side of an edge that bounds a triangle is followed by two edges that lead back to it.
@@ -233,16 +228,17 @@ struct {
 
 TEST(Delaunay, OfEveryFamilyIsExactAtEverySizeAndPlace) {
     // Plain, far from the origin, the smallest and the largest doubles.
-    placement const places[] = {{0, 0}, {-20, std::int64_t{1} << 51}, {-1074, 0}, {995, 0}, {-640, 1 << 28}};
+    std::pair<int, std::int64_t> const where[] = {
+        {0, 0}, {-20, std::int64_t{1} << 51}, {-1074, 0}, {995, 0}, {-640, 1 << 28}};
     seeded_random random(11);
     for (auto const& family : families) {
         for (int trial = 0; trial < 150; ++trial) {
             double const n = trial < 100 ? 2 + trial / 4 : trial < 145 ? 30 + 4 * (trial - 100) : 2000;
             nodes points;
             for (double i = 0; i < n; ++i) points.push_back(family.make({random, i, n}));
-            placement const& where = places[static_cast<unsigned int>(trial % 5)];
+            auto const& [exponent, offset] = where[static_cast<unsigned int>(trial % 5)];
             SCOPED_TRACE(std::string(family.name) + ", trial " + std::to_string(trial));
-            expect_delaunay(points, result(points, where));
+            expect_delaunay(points, result(placed(points, exponent, offset)));
             if (HasFatalFailure() || HasNonfatalFailure()) return;
         }
     }
@@ -283,8 +279,10 @@ char const* const robustness = R"(
 
 TEST(Delaunay, FillsThePublishedHullToItsFlatTriangles) {
     std::istringstream text(robustness);
-    result const r(std::vector<double>(std::istream_iterator<double>(text), {}));
-    ASSERT_EQ(r.xy.size(), 2 * 79u);
+    places points;
+    for (double x = 0, y = 0; text >> x >> y;) points.push_back({x, y, NAN});
+    result const r(points);
+    ASSERT_EQ(r.list.size(), 79u);
     ASSERT_TRUE(r.guards_hold);
     EXPECT_EQ(r.triads.size(), 141u);
     EXPECT_EQ(std::count_if(r.edges.begin(), r.edges.end(), [](auto const& e) { return e.on_hull; }), 15);
@@ -308,46 +306,32 @@ TEST(Delaunay, CountsByHand) {
     EXPECT_EQ(Delaunay::delaunay_triangulation(nullptr, 1, 16, &edge), 0u);
 
     // Two points come in their order, with all links to the one edge.
-    result const two({3, 4, 1, 2});
+    result const two(places{{3, 4, 0}, {1, 2, 0}});
     ASSERT_EQ(two.edges.size(), 1u);
     Delaunay::Edge const& e = two.edges[0];
-    EXPECT_TRUE(e.a == &two.xy[0] && e.b == &two.xy[2] && e.on_hull && !e.in_stack);
+    EXPECT_TRUE(e.a == &two.list[0][0] && e.b == &two.list[1][0] && e.on_hull && !e.in_stack);
     EXPECT_TRUE(e.left_prev == &e && e.left_next == &e && e.right_prev == &e && e.right_next == &e);
-}
-
-// A list of points is triangulated where it lies.
-TEST(Delaunay, ReadsAnyStride) {
-    std::vector<point> const list = {point(true, 0, 0), point(true, 2, 0), point(true, 0, 2),
-                                     point(true, 3, 3)};
-    Delaunay::Edge edges[7];
-    ASSERT_EQ(Delaunay::delaunay_triangulation(&list[0][1], 4, sizeof(point), edges), 5u);
-    Delaunay::Triad triads[2];
-    Delaunay::make_mesh(edges, 5, triads);
-    // (3, 3) is outside the circle about (1, 1): the diagonal runs from (2, 0) to (0, 2).
-    for (Delaunay::Triad const& t : triads) {
-        std::set<double const*> const corners = {t.a, t.b, t.c};
-        EXPECT_TRUE(corners.count(&list[1][1]) == 1 && corners.count(&list[2][1]) == 1);
-    }
 }
 
 // Doubles of every exponent, in which some digits are 2^2000 times smaller than others.
 TEST(Delaunay, OfAnyBitsStaysInItsBuffersAndKeepsEveryPoint) {
     seeded_random random(12);
     for (int trial = 0; trial < 2000; ++trial) {
-        std::vector<double> xy(2 * (2 + random.below(60)));
+        places points(2 + random.below(60));
         bool finite = true;
-        for (double& x : xy) {
-            std::uint64_t const bits = random.bits();
-            std::memcpy(&x, &bits, sizeof x);
-            if (trial % 4 != 0 && !std::isfinite(x)) x = 1;
-            if (trial % 8 == 0 && random.below(100) == 0) x = std::numeric_limits<double>::quiet_NaN();
-            finite = finite && std::isfinite(x);
+        for (auto& p : points) {
+            for (double& x : p) {
+                std::uint64_t const bits = random.bits();
+                std::memcpy(&x, &bits, sizeof x);
+                if (trial % 4 != 0 && !std::isfinite(x)) x = 1;
+            }
+            finite = finite && std::isfinite(p[0]) && std::isfinite(p[1]);
         }
-        result const r(xy);
+        result const r(points);
         ASSERT_TRUE(r.guards_hold) << trial;
         std::set<double const*> ends;
         for (Delaunay::Edge const& e : r.edges) ends.insert({e.a, e.b});
-        ASSERT_EQ(ends.size(), finite ? xy.size() / 2 : 0) << trial;
+        ASSERT_EQ(ends.size(), finite ? points.size() : 0) << trial;
     }
 }
 
