@@ -50,7 +50,6 @@ half mesh::connect(half from, half to) {
 void mesh::erase(Edge* edge) {
     take_out({edge, false});
     take_out({edge, true});
-    edge->a = nullptr;
     edge->left_prev = erased_;
     erased_ = edge;
 }

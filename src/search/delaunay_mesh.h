@@ -6,7 +6,7 @@
 inline namespace tvmath {
 namespace Delaunay {
 
-/// A point in the order of its line of cuts: the edges under construction point at `at`, which keeps
+/// A point in the order of the cuts: the edges under construction point at `at`, which keeps
 /// neighbours in the plane near each other in memory.
 struct site {
     double at[2];
@@ -69,8 +69,7 @@ public:
     /// The buffer holds as many edges as a planar graph of the sites can have.
     mesh(Edge* buffer, predicates const& exact) : exact_(exact), edges_(buffer) {}
 
-    /// Triangulates two sites or more that stand in order along x, ties along y, or in that order turned by a
-    /// quarter.
+    /// Triangulates two sites or more that stand in order along x, ties along y, or along y, ties along x.
     hull_ends triangulate(site* from, site* to);
     /// Joins two triangulations, of which the left one is before the right one in that order.
     hull_ends merge(hull_ends left, hull_ends right);
@@ -99,7 +98,7 @@ private:
     predicates exact_;
     Edge* edges_;
     unsigned int used_ = 0;
-    Edge* erased_ = nullptr;  // linked by left_prev, a is null
+    Edge* erased_ = nullptr;  // linked by left_prev
 };
 
 }  // namespace Delaunay
