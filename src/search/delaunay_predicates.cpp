@@ -36,12 +36,13 @@ twofold difference(double a, double b) {
 
 // The formulas for both kinds of numbers.
 template <class number>
-auto determinant(number ax, number ay, number bx, number by) {
+auto determinant(number const& ax, number const& ay, number const& bx, number const& by) {
     return ax * by + -(ay * bx);
 }
 
 template <class number>
-auto power_of(number ax, number ay, number bx, number by, number cx, number cy) {
+auto power_of(number const& ax, number const& ay, number const& bx, number const& by, number const& cx,
+              number const& cy) {
     return (ax * ax + ay * ay) * determinant(bx, by, cx, cy) +
            (bx * bx + by * by) * determinant(cx, cy, ax, ay) +
            (cx * cx + cy * cy) * determinant(ax, ay, bx, by);
