@@ -1,5 +1,4 @@
-#include <algorithm>
-
+#include "places.h"
 #include "tvmath/geometry_fitter.h"
 
 inline namespace tvmath {
@@ -39,7 +38,7 @@ fit_cnst::fit_cnst(std::vector<point> const& list) : points(list) {
 }
 
 bool fit_cnst::is_valid() const {
-    return std::all_of(points.begin(), points.end(), is_place);
+    return all_places(points, 3);
 }
 
 constraint* centered(point p) {
