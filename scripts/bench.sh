@@ -4,8 +4,9 @@
 # its time divided by tvmath's: above 1, tvmath is faster.
 set -eu
 cd "$(dirname "$0")/.."
-# The harness and the optional peer, which the benchmarks leave out where it is not there.
-scripts/install_packages.sh libbenchmark-dev libeigen3-dev
+scripts/install_packages.sh libbenchmark-dev
+# The peers, which the benchmarks leave out where they are not there.
+scripts/install_packages.sh libeigen3-dev libceres-dev || echo "Going on without the peers that are missing."
 BUILD_OPTIONS="-DTVMATH_BUILD_BENCH=ON" scripts/build.sh release
 
 results=build/bench.csv
@@ -15,7 +16,7 @@ for program in build/release/bench/*_bench; do
         --benchmark_min_time=0.05 --benchmark_report_aggregates_only=true --benchmark_format=csv \
         2>/dev/null | grep '_median"' >>"$results" || true
 done
-printf '%-28s %10s  %-14s %14s  %s\n' family size who 'median ns' '/ tvmath'
+printf '%-28s %10s  %-16s %14s  %s\n' family size who 'median ns' '/ tvmath'
 LC_ALL=C awk -F, -v OFMT=%.4g '
     {
         name = $1
@@ -36,7 +37,7 @@ LC_ALL=C awk -F, -v OFMT=%.4g '
             split(key, part, "/")
             for (i = 1; i <= count[key]; ++i) {
                 ratio = (key in own) && who[key, i] != "tvmath" ? sprintf("%.2f", times[key, i] / own[key]) : ""
-                printf "%-28s %10s  %-14s %14.1f  %s\n", part[1], part[2], who[key, i], times[key, i], ratio
+                printf "%-28s %10s  %-16s %14.1f  %s\n", part[1], part[2], who[key, i], times[key, i], ratio
             }
         }
     }' "$results" | LC_ALL=C sort -k1,1 -k2,2n -k3,3r

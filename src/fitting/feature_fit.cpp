@@ -5,7 +5,6 @@
 #include "geometry/extent.h"
 #include "geometry/xyz.h"
 #include "geometry_fitter/circle_lsf.h"
-#include "geometry_fitter/places.h"
 #include "geometry_fitter/sphere_lsf.h"
 #include "point_lists.h"
 #include "point_span.h"
@@ -14,7 +13,6 @@
 inline namespace tvmath {
 namespace {
 
-using geometry_fitter::all_places;
 using geometry_fitter::refine_circle;
 using geometry_fitter::refine_sphere;
 
@@ -33,11 +31,13 @@ circle fit_circle(list const& points) {
     point_span const all = span_of(points);
     unsigned int const distinct = count_distinct(all, 3);
     bool const exact = distinct == 3;
-    if (distinct < 3 || !(exact || all_places(all, all[0].dimension()))) return circle();
     point center;
     double radius = 0;
-    if (!circle_quick_fit(points, center, radius)) return circle();
-    if (!exact && !refine_circle(all, center, radius)) return circle();
+    if (distinct < 3 || !circle_quick_fit(points, center, radius)) return circle();
+    // Where a 2D point follows a 3D one, the centre is 2D.
+    if (!exact && (center.dimension() < all[0].dimension() || !refine_circle(all, center, radius))) {
+        return circle();
+    }
     // The sums of points on one line may overflow instead of vanishing.
     return finite_shape<circle>(radius, center);
 }
@@ -110,10 +110,9 @@ circle circle_centered_fit(point center, idioms::array<point> points) {
 sphere sphere_fit(std::vector<point> const& points) {
     unsigned int const distinct = count_distinct(points, 4);
     bool const exact = distinct == 4;
-    if (distinct < 4 || !(exact || all_places(points, 3))) return sphere();
     point center;
     double radius = 0;
-    if (!sphere_quick_fit(points, center, radius)) return sphere();
+    if (distinct < 4 || !sphere_quick_fit(points, center, radius)) return sphere();
     if (!exact && !refine_sphere(points, center, radius)) return sphere();
     return finite_shape<sphere>(radius, center);
 }

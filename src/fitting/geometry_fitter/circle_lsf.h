@@ -30,8 +30,8 @@ struct circle_conditions {
 bool starting_tangent_circle(circle_conditions const& known, planar_circle& start);
 
 /// Carries `center` and `radius` from the algebraic circle of these points on to that of least squares in XY,
-/// at the same height. False, with both unchanged, when the iteration does not settle. All points are
-/// locations.
+/// at the same height. False, with both unchanged, when the iteration does not settle, and for a direction
+/// among the points.
 bool refine_circle(point_span points, point& center, double& radius);
 
 /// The circle of least squares under the conditions, in a plane parallel to XY at the mean height of the

@@ -6,6 +6,7 @@
 
 #include "fitting/point_span.h"
 #include "geometry/point_lanes.h"
+#include "tvmath/scalar.h"
 
 inline namespace tvmath {
 namespace geometry_fitter {
@@ -13,7 +14,8 @@ namespace geometry_fitter {
 /// Adds up the rows of a circle (`dimension` 2, in XY) or sphere (3): for each point -u, its direction from
 /// the centre, then -1 for the radius, then the residual, distance - radius. Their products go to the upper
 /// triangle `sums`, row by row. The centre is `start` + `offset`, and a point's place is taken relative to
-/// `start` first, so that points far from the origin keep the digits of a small offset.
+/// `start` first, so that points far from the origin keep the digits of a small offset. A direction among the
+/// points has no distance: it makes the sum of squares NaN.
 ///
 /// Four points at a time share each instruction, in four sums that meet at the end: the order is always the
 /// same. To be inlined into a function with TVMATH_WIDE_LOOP.
@@ -51,17 +53,21 @@ public:
         }
         *sums++ = static_cast<double>(count);
         *sums++ = -total(sum_[dimension]);
-        *sums = total(product_[k]);
+        bool const any = weightless_[0] | weightless_[1] | weightless_[2] | weightless_[3];
+        *sums = any ? domain_error_value : total(product_[k]);
     }
 
 private:
     using lanes = point_lanes;
+    using truths = decltype(lanes{} == lanes{});
     static constexpr std::size_t width = 4;
 
     [[gnu::always_inline]] static double total(lanes const& a) { return (a[0] + a[1]) + (a[2] + a[3]); }
 
     [[gnu::always_inline]] void fill(lanes* row, point const* a, point const* b, point const* c,
-                                     point const* d) const {
+                                     point const* d) {
+        // Seen here, a list costs no pass of its own for the question whether it holds a direction.
+        weightless_ |= lanes{(*a)[0], (*b)[0], (*c)[0], (*d)[0]} == 0.0;
         lanes squares{};
         for (unsigned int i = 0; i < dimension; ++i) {
             lanes const place = {(*a)[i + 1], (*b)[i + 1], (*c)[i + 1], (*d)[i + 1]};
@@ -87,6 +93,7 @@ private:
     double const *start_, *offset_;
     double radius_;
     lanes product_[columns * (columns + 1) / 2] = {}, sum_[columns] = {};
+    truths weightless_ = {};
 };
 
 }  // namespace geometry_fitter
