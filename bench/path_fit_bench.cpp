@@ -39,8 +39,8 @@ void sort_shuffled(benchmark::State& state) {
 }
 
 int const registered = [] {
-    // 1e2: a traced edge; 1e4: a scanned contour; 1e5: the longest that a scan gives.
-    std::vector<std::int64_t> const sizes = {100, 10000, 100000};
+    // 1e2: a traced edge; 1e4: a scanned contour; 1e6: beyond what a scan gives.
+    std::vector<std::int64_t> const sizes = {100, 10000, 1000000};
     register_sizes("bezier_fit", "tvmath", fit_closed_path<bezier_fit>, sizes);
     register_sizes("bezier_minimum_curvature_fit", "tvmath", fit_closed_path<bezier_minimum_curvature_fit>,
                    sizes);
