@@ -39,16 +39,18 @@ TVMATH_API bool ellipse_quick_centered_fit(point center, std::vector<point> cons
 TVMATH_API bool ellipse_quick_centered_fit(point center, idioms::array<point> points, point& center_out,
                                            point& major, point& minor);
 
-/// Ellipse of least squares of the distances, started by `ellipse_quick_fit`: the longer start axis becomes
-/// `basis(1)`. In a plane parallel to XY at the mean z; 2D when the first point is.
+/// Ellipse of least squares of the distances from the nearest points, started by `ellipse_quick_fit` and, for
+/// points on an arc, by the algebraic circle too. In a plane parallel to XY at the mean z; 2D when the first
+/// point is. `basis(1)` is the longer half-axis.
 ///
-/// Of exactly 5 points the ellipse through them. Otherwise the distance is that from a foot found in two
-/// rounds, as in `calculate_errors`: a narrow ellipse with much scatter is not the last digit of the
-/// orthogonal one. Null (`is_trivial()`) when the quick fit fails and when the iteration does not settle, as
-/// for noisy short arcs, whose points any long ellipse fits as well.
+/// Of exactly 5 points the ellipse through them. Null (`is_trivial()`) when the quick fit fails; when the sum
+/// of squares has no minimum, as for noisy arcs below about a third of a turn, whose best conic may be a
+/// parabola or a hyperbola; and when the shorter half-axis is less than three times the scatter, as of a
+/// noisy line. `geometry_fitter::ellipse_fitter` differs where scatter is large: see there.
 ///
-/// Source: S. J. Ahn, W. Rauh, H.-J. Warnecke, Least-squares orthogonal distances fitting of circle, sphere,
-/// ellipse, hyperbola, and parabola, Pattern Recognition 34 (2001) 2283-2303.
+/// Source: Newton's method for the distance function; S. J. Ahn, W. Rauh, H.-J. Warnecke, Least-squares
+/// orthogonal distances fitting of circle, sphere, ellipse, hyperbola, and parabola, Pattern Recognition 34
+/// (2001) 2283-2303, with its second derivatives.
 TVMATH_API ellipse ellipse_fit(std::vector<point> const& points);
 TVMATH_API ellipse ellipse_fit(idioms::array<point> points);
 

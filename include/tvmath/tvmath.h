@@ -6,6 +6,7 @@
 #include "tvmath/circle.h"
 #include "tvmath/complex.h"
 #include "tvmath/composite_fit.h"
+#include "tvmath/compressed_points.h"
 #include "tvmath/cone.h"
 #include "tvmath/cone_fit.h"
 #include "tvmath/configuration.h"

@@ -1,45 +1,41 @@
 #include "tvmath/ellipse_fit.h"
 
-#include "fitting/planar/planar_points.h"
-#include "tvmath/geometry_fitter.h"
+#include "orthogonal_ellipse.h"
+#include "tvmath/quick_fit.h"
 
 inline namespace tvmath {
 namespace {
 
-// The fitter takes points in space. Empty when a point is trivial: raising it would make it the origin.
-std::vector<point> raised(std::span<point const> points) {
-    std::vector<point> in_space(points.begin(), points.end());
-    for (point& p : in_space) {
-        if (p.is_trivial()) return {};
-        p.promote3d();
-        p.to_location();
-    }
-    return in_space;
+// As many points as unknowns have one ellipse, that of the start. Else the best one near it, at the height
+// and in the dimension of the start's centre.
+ellipse best_ellipse(point_span points, std::size_t unknowns, point const& center, point const& major,
+                     point const& minor, planar_ellipse const* circle) {
+    planar_points const local = relative_to(center, points);
+    if (local.is_empty()) return ellipse();
+    planar_ellipse e{{0, 0}, major.length2d(), minor.length2d(), major.angle2d()};
+    bool const centered = unknowns == 3;
+    if (points.size() > unknowns && !refine_ellipse(local.at, centered, e, circle)) return ellipse();
+    ellipse const found(e.a, e.b, e.angle, local.place(e.center));
+    return _isnan(found, true) ? ellipse() : found;
 }
 
-ellipse result_of(geometry_fitter::ellipse_fitter& fitter, bool is_flat) {
-    Ellipse_Description found;
-    if (!fitter.result(found)) return ellipse();
-    if (is_flat) found.geometry.project2d();
-    return found.geometry;
+template <class list>
+ellipse fit(list const& points) {
+    point center, major, minor, middle;
+    if (!ellipse_quick_fit(points, center, major, minor)) return ellipse();
+    double radius = 0;
+    bool const has_circle = circle_quick_fit(points, middle, radius);
+    planar_ellipse const circle{{middle.x() - center.x(), middle.y() - center.y()}, radius, radius, 0};
+    ellipse found = best_ellipse(span_of(points), 5, center, major, minor, has_circle ? &circle : nullptr);
+    if (!found.is_trivial() && points[0].is_2d()) found.project2d();
+    return found;
 }
 
-ellipse fit(std::span<point const> points) {
-    if (points.size() < 5) return ellipse();
-    geometry_fitter::ellipse_fitter fitter;
-    fitter.add(geometry_fitter::fit(raised(points)));
-    return result_of(fitter, points[0].is_2d());
-}
-
-ellipse fit_centered(point center, std::span<point const> points) {
-    if (points.size() < 3 || center.is_trivial()) return ellipse();
-    bool const is_flat = center.is_2d();
-    center.promote3d();
-    center.to_location();
-    geometry_fitter::ellipse_fitter fitter;
-    fitter.add(geometry_fitter::centered(center));
-    fitter.add(geometry_fitter::fit(raised(points)));
-    return result_of(fitter, is_flat);
+template <class list>
+ellipse fit_centered(point const& given, list const& points) {
+    point center, major, minor;
+    if (!ellipse_quick_centered_fit(given, points, center, major, minor)) return ellipse();
+    return best_ellipse(span_of(points), 3, center, major, minor, nullptr);
 }
 
 }  // namespace
@@ -49,7 +45,7 @@ ellipse ellipse_fit(std::vector<point> const& points) {
 }
 
 ellipse ellipse_fit(idioms::array<point> points) {
-    return fit(span_of(points));
+    return fit(points);
 }
 
 ellipse ellipse_centered_fit(point center, std::vector<point> const& points) {
@@ -57,7 +53,7 @@ ellipse ellipse_centered_fit(point center, std::vector<point> const& points) {
 }
 
 ellipse ellipse_centered_fit(point center, idioms::array<point> points) {
-    return fit_centered(center, span_of(points));
+    return fit_centered(center, points);
 }
 
 }  // namespace tvmath
