@@ -96,8 +96,9 @@ void plain_rounds(benchmark::State& state) {
         rounds = 0;
         for (double moved = 1; moved > 1e-16 * dot(q, q) && rounds < 30; ++rounds) {
             double products[n][n] = {}, right[n] = {}, g[n];
+            model const present(q.begin());
             for (point const& p : all.points) {
-                double const r = model::row(&p[1], q.begin(), g);
+                double const r = present.row(&p[1], g);
                 for (unsigned int i = 0; i < n; ++i) {
                     for (unsigned int j = i; j < n; ++j) products[i][j] += g[i] * g[j];
                     right[i] += g[i] * r;

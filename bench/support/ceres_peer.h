@@ -29,8 +29,9 @@ public:
         double unused[model::unknowns];
         double const* p = points_.numbers.data();
         double* const j = jacobians ? jacobians[0] : nullptr;
+        model const present(q[0]);
         for (int i = 0; i < points_.count; ++i, p += model::coordinates) {
-            residuals[i] = model::row(p, q[0], j ? j + std::ptrdiff_t{i} * model::unknowns : unused);
+            residuals[i] = present.row(p, j ? j + std::ptrdiff_t{i} * model::unknowns : unused);
         }
         return true;
     }
@@ -46,7 +47,7 @@ public:
     explicit point_cost(double const* p) : p_(p) {}
     bool Evaluate(double const* const* q, double* residuals, double** jacobians) const override {
         double unused[model::unknowns];
-        residuals[0] = model::row(p_, q[0], jacobians && jacobians[0] ? jacobians[0] : unused);
+        residuals[0] = model(q[0]).row(p_, jacobians && jacobians[0] ? jacobians[0] : unused);
         return true;
     }
 
@@ -115,8 +116,9 @@ private:
         bool operator()(double const* q, double* residuals, double* jacobian) const {
             double const* p = points.numbers.data();
             double g[model::unknowns];
+            model const present(q);
             for (std::ptrdiff_t i = 0, n = points.count; i < n; ++i, p += model::coordinates) {
-                residuals[i] = model::row(p, q, g);
+                residuals[i] = present.row(p, g);
                 if (!jacobian) continue;
                 for (int k = 0; k < model::unknowns; ++k) jacobian[k * n + i] = g[k];
             }

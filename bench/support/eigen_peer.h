@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Eigen/Dense>
+#include <concepts>
 
 #include "support/fit_models.h"
 
@@ -21,7 +22,7 @@ public:
 
     bool solve(unknowns& q) {
         for (int round = 0; round < 30; ++round) {
-            fill(q, model());
+            fill<model>(q);
             unknowns const step =
                 (jacobian_.transpose() * jacobian_).ldlt().solve(jacobian_.transpose() * residual_);
             q -= step;
@@ -31,8 +32,9 @@ public:
     }
 
 private:
-    template <int dimension>
-    void fill(unknowns const& q, radial_model<dimension>) {
+    template <class radial>
+    void fill(unknowns const& q) {
+        constexpr int dimension = radial::coordinates;
         auto u = jacobian_.template leftCols<dimension>().array();
         for (int i = 0; i < dimension; ++i) u.col(i) = q[i] - points_.col(i).array();
         residual_ = jacobian_.template leftCols<dimension>().rowwise().norm();
@@ -42,11 +44,13 @@ private:
     }
 
     // No expression of whole columns finds the foot of a point.
-    void fill(unknowns const& q, ellipse_model) {
+    template <std::same_as<ellipse_model>>
+    void fill(unknowns const& q) {
+        ellipse_model const present(q.data());
         for (Eigen::Index i = 0; i < points_.rows(); ++i) {
             double const p[] = {points_(i, 0), points_(i, 1)};
             double g[ellipse_model::unknowns];
-            residual_[i] = ellipse_model::row(p, q.data(), g);
+            residual_[i] = present.row(p, g);
             for (int k = 0; k < ellipse_model::unknowns; ++k) jacobian_(i, k) = g[k];
         }
     }

@@ -162,75 +162,76 @@ using namespace geometry_fitter;
 
 std::vector<named_fit> const& applicable_fits() {
     static std::vector<named_fit> const fits = {
-        {"circle_quick_fit", "circle", true, closed_form<circle_quick_fit>},
-        {"circle_fit", "circle", false,
+        {"circle_quick_fit", "circle", promise::algebraic, closed_form<circle_quick_fit>},
+        {"circle_fit", "circle", promise::least_squares,
          of_points<Circle_Description, [](points const& p) { return circle_fit(p); }>},
-        {"circle_fitter", "circle", false, by_fitter<circle_fitter, Circle_Description>},
-        {"circle_centered_fit", "circle", false,
+        {"circle_fitter", "circle", promise::least_squares, by_fitter<circle_fitter, Circle_Description>},
+        {"circle_centered_fit", "circle", promise::least_squares,
          [](reference_set const& s) {
              return one_call<Circle_Description>(circle_centered_fit(given(s, "center", true), s.points),
                                                  s.points);
          }},
-        {"sphere_quick_fit", "sphere", true, closed_form<sphere_quick_fit>},
-        {"sphere_fit", "sphere", false, of_points<Sphere_Description, sphere_fit>},
-        {"sphere_fitter", "sphere", false, by_fitter<sphere_fitter, Sphere_Description>},
-        {"sphere_centered_fit", "sphere", false,
+        {"sphere_quick_fit", "sphere", promise::algebraic, closed_form<sphere_quick_fit>},
+        {"sphere_fit", "sphere", promise::least_squares, of_points<Sphere_Description, sphere_fit>},
+        {"sphere_fitter", "sphere", promise::least_squares, by_fitter<sphere_fitter, Sphere_Description>},
+        {"sphere_centered_fit", "sphere", promise::least_squares,
          [](reference_set const& s) {
              return one_call<Sphere_Description>(sphere_centered_fit(given(s, "center", true), s.points),
                                                  s.points);
          }},
-        {"line_quick_fit", "line", false,
+        {"line_quick_fit", "line", promise::least_squares,
          [](reference_set const& s) -> answer {
              point center, direction;
              if (!line_quick_fit(s.points, center, direction)) return {};
              return figures{{"point", coordinates(center)}, {"direction", coordinates(direction)}};
          }},
-        {"line_fit", "line", false, of_array<Segment_Description, line_fit>},
-        {"line_fitter", "line", false, by_fitter<line_fitter, Segment_Description>},
-        {"plane_fit", "plane", false, of_array<Plane_Description, plane_fit>},
-        {"plane_centered_fit", "plane", false,
+        {"line_fit", "line", promise::least_squares, of_array<Segment_Description, line_fit>},
+        {"line_fitter", "line", promise::least_squares, by_fitter<line_fitter, Segment_Description>},
+        {"plane_fit", "plane", promise::least_squares, of_array<Plane_Description, plane_fit>},
+        {"plane_centered_fit", "plane", promise::least_squares,
          [](reference_set const& s) {
              return one_call<Plane_Description>(
                  plane_centered_fit(given(s, "point", true), as_array(s.points)), s.points);
          }},
-        {"plane_parallel_fit", "plane", false,
+        {"plane_parallel_fit", "plane", promise::least_squares,
          [](reference_set const& s) {
              plane const nominal(point(true, 0, 0, 0), given(s, "normal", false));
              return one_call<Plane_Description>(plane_parallel_fit(nominal, as_array(s.points)), s.points);
          }},
-        {"ellipse_fit", "ellipse", false,
+        {"ellipse_fit", "ellipse", promise::least_squares,
          of_points<Ellipse_Description, [](points const& p) { return ellipse_fit(p); }>},
-        {"ellipse_fitter", "ellipse", false, by_fitter<ellipse_fitter, Ellipse_Description>},
-        {"ellipse_centered_fit", "ellipse", false,
+        {"ellipse_fitter", "ellipse", promise::nearly_least_squares,
+         by_fitter<ellipse_fitter, Ellipse_Description>},
+        {"ellipse_centered_fit", "ellipse", promise::least_squares,
          [](reference_set const& s) {
              return one_call<Ellipse_Description>(ellipse_centered_fit(given(s, "center", true), s.points),
                                                   s.points);
          }},
-        {"cylinder_fit", "cylinder", false, of_array<Cylinder_Description, cylinder_fit>},
-        {"cylinder_parallel_fit", "cylinder", false,
+        {"cylinder_fit", "cylinder", promise::least_squares, of_array<Cylinder_Description, cylinder_fit>},
+        {"cylinder_parallel_fit", "cylinder", promise::least_squares,
          [](reference_set const& s) {
              return one_call<Cylinder_Description>(cylinder_parallel_fit(given(s, "axis", false), s.points),
                                                    s.points);
          }},
-        {"cylinder_parallel_centered_fit", "cylinder", false,
+        {"cylinder_parallel_centered_fit", "cylinder", promise::least_squares,
          [](reference_set const& s) {
              cylinder const found = cylinder_parallel_centered_fit(given(s, "axis_point", true),
                                                                    given(s, "axis", false), s.points);
              return one_call<Cylinder_Description>(found, s.points);
          }},
-        {"cone_fit", "cone", false,
+        {"cone_fit", "cone", promise::least_squares,
          of_points<Cone_Description, [](points const& p) { return cone_fit(p, cone()); }>},
-        {"cone_centered_fit", "cone", false,
+        {"cone_centered_fit", "cone", promise::least_squares,
          [](reference_set const& s) {
              return one_call<Cone_Description>(
                  cone_centered_fit(given(s, "axis_point", true), s.points, cone()), s.points);
          }},
-        {"cone_parallel_fit", "cone", false,
+        {"cone_parallel_fit", "cone", promise::least_squares,
          [](reference_set const& s) {
              return one_call<Cone_Description>(cone_parallel_fit(given(s, "axis", false), s.points),
                                                s.points);
          }},
-        {"cone_parallel_centered_fit", "cone", false,
+        {"cone_parallel_centered_fit", "cone", promise::least_squares,
          [](reference_set const& s) {
              cone const found =
                  cone_parallel_centered_fit(given(s, "axis_point", true), given(s, "axis", false), s.points);
