@@ -5,6 +5,7 @@
 
 #include "algebraic_start.h"
 #include "fitting/iterative_solve.h"
+#include "fitting/point_lists.h"
 #include "planar.h"
 #include "radial_sums.h"
 #include "tvmath/quick_fit.h"
@@ -100,7 +101,8 @@ bool iterate(point_span fit, std::vector<point> const& through, std::vector<tran
 bool circle_of_points(std::vector<point> const& points, circle& result) {
     point center;
     double radius = 0;
-    if (!circle_quick_fit(points, center, radius)) return false;
+    // Two points, repeated, would leave the choice of a circle to rounding.
+    if (count_distinct(points, 3) < 3 || !circle_quick_fit(points, center, radius)) return false;
     if (points.size() == 3 ? !planar_circle{center.x(), center.y(), radius}.is_usable()
                            : !refine_circle(points, center, radius)) {
         return false;

@@ -3,6 +3,7 @@
 #include "algebraic_start.h"
 #include "constraint_list.h"
 #include "fitting/iterative_solve.h"
+#include "fitting/point_lists.h"
 #include "geometry/xyz.h"
 #include "mean_distance.h"
 #include "radial_sums.h"
@@ -105,6 +106,8 @@ bool least_squares_sphere(std::vector<point> const& fit, std::vector<point> cons
         all.insert(all.end(), through.begin(), through.end());
         return least_squares_sphere(all, {}, result);
     }
+    // Three points, repeated, would leave the choice of a sphere to rounding.
+    if (through.empty() && count_distinct(fit, 4) < 4) return false;
     point center;
     double radius = 0;
     bool const started = through.empty() ? sphere_quick_fit(fit, center, radius)
