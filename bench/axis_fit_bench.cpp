@@ -47,6 +47,20 @@ void parallel_cone(benchmark::State& state) {
     run(state, 0.3, [&](auto const& points) { return cone_parallel_fit(axis, points); });
 }
 
+point const middle(true, 100, 50, 30), along(false, 0.2, -0.3, 1);
+
+void centered_cylinder(benchmark::State& state) {
+    run(state, 0, [](auto const& points) { return cylinder_parallel_centered_fit(middle, along, points); });
+}
+
+void centered_cone(benchmark::State& state) {
+    run(state, 0.3, [](auto const& points) { return cone_centered_fit(middle, points, cone()); });
+}
+
+void parallel_centered_cone(benchmark::State& state) {
+    run(state, 0.3, [](auto const& points) { return cone_parallel_centered_fit(middle, along, points); });
+}
+
 int const registered = [] {
     // 1e2: a touched bore, where the choice among the starts costs most; 1e6: a scan, where the passes do.
     std::vector<std::int64_t> const sizes = {100, 10000, 1000000};
@@ -54,6 +68,9 @@ int const registered = [] {
     register_sizes("cylinder_parallel_fit", "tvmath", parallel_cylinder, sizes);
     register_sizes("cone_fit", "tvmath", free_cone, sizes);
     register_sizes("cone_parallel_fit", "tvmath", parallel_cone, sizes);
+    register_sizes("cylinder_parallel_centered_fit", "tvmath", centered_cylinder, sizes);
+    register_sizes("cone_centered_fit", "tvmath", centered_cone, sizes);
+    register_sizes("cone_parallel_centered_fit", "tvmath", parallel_centered_cone, sizes);
     return 0;
 }();
 

@@ -55,8 +55,8 @@ void fit_sphere(benchmark::State& state) {
 }
 
 int const registered = [] {
-    // 1e3: an edge tool; 1e5: a scanned contour; 1e6: beyond every cache.
-    std::vector<std::int64_t> const sizes = {1000, 100000, 1000000};
+    // 1e2: a touched feature; 1e4: an edge tool; 1e6: beyond every cache.
+    std::vector<std::int64_t> const sizes = {100, 10000, 1000000};
     register_sizes("point_fit", "tvmath", fit_point, sizes);
     register_sizes("point_fit", "plain_sum", plain_sum<1>, sizes);
     register_sizes("line_quick_fit", "tvmath", fit_line, sizes);

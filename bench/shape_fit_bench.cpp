@@ -44,16 +44,15 @@ point on_slot(seeded_random& random, double off) {
     return point(false, side * (20 + (12 + off) * std::cos(w)), (12 + off) * std::sin(w));
 }
 
+point on_oring(seeded_random& random, double off) {
+    point const outer = on_ellipse(random, off);
+    return random.coin() ? outer : outer * 0.5;
+}
+
 void quick_ellipse(benchmark::State& state) {
     auto const points = rippled(state.range(0), on_ellipse);
     point center, major, minor;
     for (auto _ : state) benchmark::DoNotOptimize(ellipse_quick_fit(points, center, major, minor));
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-}
-
-void full_ellipse(benchmark::State& state) {
-    auto const points = rippled(state.range(0), on_ellipse);
-    for (auto _ : state) benchmark::DoNotOptimize(ellipse_fit(points));
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
@@ -62,6 +61,20 @@ void fit_shape(benchmark::State& state) {
     auto const points = as_array(rippled(state.range(0), outline));
     for (auto _ : state) benchmark::DoNotOptimize(fit(points));
     state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+ellipse fit_about(idioms::array<point> const& points) {
+    return ellipse_centered_fit(point(true, 100, 50), points);
+}
+
+bool fit_quick_about(idioms::array<point> const& points) {
+    point center, major, minor;
+    return ellipse_quick_centered_fit(point(true, 100, 50), points, center, major, minor);
+}
+
+transform fit_oring(idioms::array<point> const& points) {
+    ring inner, outer;
+    return oring_fit(points, inner, outer);
 }
 
 ring fit_ring(idioms::array<point> const& points) {
@@ -81,11 +94,13 @@ int const registered = [] {
     // 100: a touched feature; 1e4: an edge tool; 1e6: beyond every cache.
     std::vector<std::int64_t> const sizes = {100, 10000, 1000000};
     register_sizes("ellipse_quick_fit", "tvmath", quick_ellipse, sizes);
-    register_sizes("ellipse_fit", "tvmath", full_ellipse, sizes);
+    register_sizes("ellipse_quick_centered_fit", "tvmath", fit_shape<on_ellipse, fit_quick_about>, sizes);
+    register_sizes("ellipse_centered_fit", "tvmath", fit_shape<on_ellipse, fit_about>, sizes);
     register_sizes("rectangle_fit", "tvmath", fit_shape<on_rectangle, fit_rectangle>, sizes);
     register_sizes("slot_fit", "tvmath", fit_shape<on_slot, slot_fit>, sizes);
     register_sizes("gap_fit", "tvmath", fit_shape<on_gap, fit_gap>, sizes);
     register_sizes("ring_fit", "tvmath", fit_shape<on_ellipse, fit_ring>, sizes);
+    register_sizes("oring_fit", "tvmath", fit_shape<on_oring, fit_oring>, sizes);
     return 0;
 }();
 

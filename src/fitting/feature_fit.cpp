@@ -2,15 +2,19 @@
 
 #include <cmath>
 
-#include "point_span.h"
 #include "geometry/extent.h"
 #include "geometry/xyz.h"
+#include "geometry_fitter/circle_lsf.h"
+#include "geometry_fitter/sphere_lsf.h"
 #include "point_lists.h"
-#include "tvmath/geometry_fitter.h"
+#include "point_span.h"
 #include "tvmath/quick_fit.h"
 
 inline namespace tvmath {
 namespace {
+
+using geometry_fitter::refine_circle;
+using geometry_fitter::refine_sphere;
 
 // A NaN or an infinity among the coordinates reaches each of these numbers.
 bool all_finite(point const& p) {
@@ -22,43 +26,20 @@ shape finite_shape(double radius, point const& center) {
     return std::isfinite(radius) && all_finite(center) ? shape(radius, center) : shape();
 }
 
-// The feature that the constrained fitter makes of the points alone; null when it makes none.
-template <class fitter, class description, class list>
-auto fitted(list const& points) {
-    fitter iteration;
-    iteration.add(geometry_fitter::fit(points));
-    description found;
-    bool const settled = iteration.result(found) && all_finite(found.geometry.basis(0));
-    return settled ? found.geometry : decltype(found.geometry)();
-}
-
-template <class list>
-circle iterated_circle(list const& points) {
-    return fitted<geometry_fitter::circle_fitter, Circle_Description>(points);
-}
-
-// The fitter takes points in space; what it makes of points in the plane is brought back there.
-circle iterated_plane_circle(point_span points) {
-    std::vector<point> raised(points.begin(), points.end());
-    for (point& p : raised) {
-        if (p.is_trivial()) return circle();  // would become the origin
-        p.promote3d();
-    }
-    circle result = iterated_circle(raised);
-    if (!result.is_trivial()) result.project2d();
-    return result;
-}
-
 template <class list>
 circle fit_circle(list const& points) {
     point_span const all = span_of(points);
     unsigned int const distinct = count_distinct(all, 3);
-    if (distinct < 3) return circle();
-    if (distinct > 3) return all[0].is_2d() ? iterated_plane_circle(all) : iterated_circle(points);
+    bool const exact = distinct == 3;
     point center;
     double radius = 0;
+    if (distinct < 3 || !circle_quick_fit(points, center, radius)) return circle();
+    // Where a 2D point follows a 3D one, the centre is 2D.
+    if (!exact && (center.dimension() < all[0].dimension() || !refine_circle(all, center, radius))) {
+        return circle();
+    }
     // The sums of points on one line may overflow instead of vanishing.
-    return circle_quick_fit(points, center, radius) ? finite_shape<circle>(radius, center) : circle();
+    return finite_shape<circle>(radius, center);
 }
 
 // Mean distance of the points from `center`, a NaN when there is a trivial point or none at all. A distance
@@ -128,11 +109,12 @@ circle circle_centered_fit(point center, idioms::array<point> points) {
 
 sphere sphere_fit(std::vector<point> const& points) {
     unsigned int const distinct = count_distinct(points, 4);
-    if (distinct < 4) return sphere();
-    if (distinct > 4) return fitted<geometry_fitter::sphere_fitter, Sphere_Description>(points);
+    bool const exact = distinct == 4;
     point center;
     double radius = 0;
-    return sphere_quick_fit(points, center, radius) ? finite_shape<sphere>(radius, center) : sphere();
+    if (distinct < 4 || !sphere_quick_fit(points, center, radius)) return sphere();
+    if (!exact && !refine_sphere(points, center, radius)) return sphere();
+    return finite_shape<sphere>(radius, center);
 }
 
 sphere sphere_centered_fit(point center, std::vector<point> const& points) {

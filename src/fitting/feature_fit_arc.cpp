@@ -1,6 +1,6 @@
-#include <algorithm>
 #include <cmath>
 
+#include "angular_range.h"
 #include "point_span.h"
 #include "tvmath/feature_fit.h"
 #include "tvmath/quick_fit.h"
@@ -9,9 +9,9 @@
 inline namespace tvmath {
 namespace {
 
-// The range of the points' angles about `center`: the complement of the largest gap between neighbours, the
-// first one of equals. False for no points, a trivial point, and an angle that is not a number.
-bool angular_range(point const& center, point_span points, double& start, double& end) {
+// The range of the points' angles about `center`. False for no points, a trivial point, and an angle that is
+// not a number.
+bool range_of_points(point const& center, point_span points, double& start, double& end) {
     std::vector<double> angles;
     angles.reserve(points.size());
     for (point const& p : points) {
@@ -20,26 +20,15 @@ bool angular_range(point const& center, point_span points, double& start, double
         angles.push_back(angle);
     }
     if (angles.empty()) return false;
-    std::sort(angles.begin(), angles.end());
     start = end = angles[0];
-    if (angles.size() == 1) return true;
-
-    end = angles.back() - 2 * pi;
-    double gap = start - end;  // the one that holds the angle pi
-    for (std::size_t i = 1; i < angles.size(); ++i) {
-        if (!(angles[i] - angles[i - 1] > gap)) continue;
-        end = angles[i - 1];
-        start = angles[i];
-        gap = start - end;
-    }
-    end += 2 * pi;
+    if (angles.size() > 1) angular_range(angles, start, end);
     return true;
 }
 
 circle turn_to_arc(circle const& c, point_span points, double& sweep) {
     double start = 0, end = 0;
     if (c.is_trivial()) return c;
-    if (!angular_range(c.basis(0), points, start, end)) return circle();
+    if (!range_of_points(c.basis(0), points, start, end)) return circle();
     sweep = end - start;
     // In the circle's own frame, before its placement.
     return circle(transform::rotation((start + end) / 2 - c.basis(1).angle2d()) * c);
@@ -52,7 +41,7 @@ bool arc_quick_fit(idioms::array<point> points, point& center, double& radius, d
     point c;
     double r = 0;
     if (!circle_quick_fit(points, c, r) || !std::isfinite(r)) return false;
-    if (!angular_range(c, span_of(points), start_angle, end_angle)) return false;
+    if (!range_of_points(c, span_of(points), start_angle, end_angle)) return false;
     center = c;
     radius = r;
     return true;

@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <span>
 
-#include "point_span.h"
 #include "geometry/extent.h"
+#include "geometry/point_lanes.h"
 #include "geometry/xyz.h"
 #include "point_lists.h"
+#include "point_span.h"
 #include "tvmath/feature_fit.h"
 #include "tvmath/matrix.h"
 #include "tvmath/quick_fit.h"
@@ -18,19 +20,47 @@ struct moments {
     double uu = 0, vv = 0, ww = 0, uv = 0, vw = 0, wu = 0;
 };
 
-moments moments_about(xyz const& center, xyz const (&axes)[3], point_span points) {
-    moments m;
-    for (point const& p : points) {
-        xyz const q = xyz(p) - center;
-        double const u = dot(q, axes[0]), v = dot(q, axes[1]), w = dot(q, axes[2]);
-        m.uu += u * u;
-        m.vv += v * v;
-        m.ww += w * w;
-        m.uv += u * v;
-        m.vw += v * w;
-        m.wu += w * u;
+// Sums of four points at a time, which share each instruction and meet at the end.
+struct moment_lanes {
+    point_lanes uu{}, vv{}, ww{}, uv{}, vw{}, wu{};
+
+    [[gnu::always_inline]] void add(xyz const& a, xyz const& b, xyz const& c, xyz const& d,
+                                    xyz const (&axes)[3]) {
+        point_lanes const x = {a.x, b.x, c.x, d.x}, y = {a.y, b.y, c.y, d.y}, z = {a.z, b.z, c.z, d.z};
+        point_lanes const u = x * axes[0].x + y * axes[0].y + z * axes[0].z,
+                          v = x * axes[1].x + y * axes[1].y + z * axes[1].z,
+                          w = x * axes[2].x + y * axes[2].y + z * axes[2].z;
+        uu += u * u;
+        vv += v * v;
+        ww += w * w;
+        uv += u * v;
+        vw += v * w;
+        wu += w * u;
     }
-    return m;
+};
+
+TVMATH_WIDE_LOOP moments moments_about(xyz const& center, xyz const (&axes)[3], point_span points) {
+    moment_lanes sums;
+    std::size_t const n = points.size(), whole = n / 4 * 4;
+    auto const relative = [&](std::size_t i) { return i < n ? xyz(points[i]) - center : xyz(); };
+    for (std::size_t i = 0; i < whole; i += 4) {
+        sums.add(xyz(points[i]) - center, xyz(points[i + 1]) - center, xyz(points[i + 2]) - center,
+                 xyz(points[i + 3]) - center, axes);
+    }
+    sums.add(relative(whole), relative(whole + 1), relative(whole + 2), xyz(), axes);
+    auto const total = [](point_lanes const& a) { return (a[0] + a[1]) + (a[2] + a[3]); };
+    return {total(sums.uu), total(sums.vv), total(sums.ww), total(sums.uv), total(sums.vw), total(sums.wu)};
+}
+
+// Whether the sum of squares across the longest axis is more than the rounding of the coordinates makes it.
+bool is_beyond_rounding(double across, double along, point const& center, point_span points) {
+    auto const beyond = [&](double rounding) {
+        return across > 2 * rounding * rounding * static_cast<double>(points.size());
+    };
+    // No coordinate is larger than this; only where that leaves a doubt the list is searched for the largest.
+    double const reach = length(xyz(center)) + std::sqrt(across + along);
+    return beyond(4 * std::numeric_limits<double>::epsilon() * reach) ||
+           beyond(std::max(coordinate_rounding({&center, 1}), coordinate_rounding(points)));
 }
 
 // The principal axes of the points about `center`, the normal of their plane as the last one. A narrow strip
@@ -44,8 +74,7 @@ moments moments_about(xyz const& center, xyz const (&axes)[3], point_span points
 point refined_normal(point const& center, xyz const (&axes)[3], point_span points) {
     moments const m = moments_about(xyz(center), axes, points);
     double const difference = m.vv - m.ww, h = std::hypot(difference, 2 * m.vw), across = m.vv + m.ww + h;
-    double const rounding = std::max(coordinate_rounding({&center, 1}), coordinate_rounding(points));
-    if (!(across > 2 * rounding * rounding * static_cast<double>(points.size()))) return point();
+    if (!is_beyond_rounding(across, m.uu, center, points)) return point();
     xyz normal = axes[2];
     // A cloud that is nearly round across its longest axis has no better normal than the one it got.
     if (m.vv + m.ww <= 3 * h) {

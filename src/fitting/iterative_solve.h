@@ -13,8 +13,7 @@ namespace geometry_fitter {
 using product_sums = std::function<void(double* sums)>;
 
 /// The solution of a model of the library, by the iteration of `IterativeLSF::solve` with another way to the
-/// sums: models form them in loops of their own that make no call and no vector for each point, in the same
-/// order and with the same bits as `residual`.
+/// sums: models form them in loops of their own that make no call and no vector for each point.
 ///
 /// Two things are added. The iteration ends when a step is below 1e-8, and what is left then is that step
 /// times the rate of convergence, which grows with the scatter of the points: rounds follow while 1e-13 are

@@ -245,5 +245,29 @@ TEST(ArcFits, TakeTheComplementOfTheLargestGap) {
     }
 }
 
+// From few points to more than a coarse look at them can tell apart, with gaps and dense all round.
+TEST(ArcFits, FindTheGapThatSortingFinds) {
+    seeded_random random(20250607);
+    for (int trial = 0; trial < 300; ++trial) {
+        SCOPED_TRACE(trial);
+        std::size_t const n = 2 + static_cast<std::size_t>(random.log_uniform(1, trial < 280 ? 3000 : 40000));
+        double const first = random.uniform(-pi, pi), range = random.coin() ? 2 * pi : random.uniform(0, 6.2);
+        point_list points;
+        std::vector<double> angles;
+        for (std::size_t i = 0; i < n; ++i) {
+            double const even = static_cast<double>(i) / static_cast<double>(n),
+                         a = first + range * (trial % 3 == 0 ? even : random.uniform(0, 1));
+            points.push_back(at(std::cos(a), std::sin(a)));
+            angles.push_back(points.back().angle2d());
+        }
+        std::sort(angles.begin(), angles.end());
+        double gap = angles.front() - (angles.back() - 2 * pi);
+        for (std::size_t i = 1; i < n; ++i) gap = std::max(gap, angles[i] - angles[i - 1]);
+        double sweep = 0;
+        circle_to_arc(circle(1, at(0, 0)), points, sweep);
+        EXPECT_NEAR(sweep, 2 * pi - gap, 1e-14);
+    }
+}
+
 }  // namespace
 }  // namespace tvmath

@@ -271,6 +271,9 @@ TEST(Fitters, LeaveTheRecordAloneWhenTheyFail) {
         {"line without length", {tangent(segment(1, 2, 1, 2)), fit(square)}},
         {"points on a line", {fit({at(0, 0, 0), at(1, 0, 0), at(2, 0, 0), at(3, 0, 0)})}},
         {"equal points", {fit(std::vector<point>(9, at(1, 2, 3)))}},
+        // Through which rounding would draw some circle.
+        {"two points, repeated",
+         {fit({at(9.1, -7, 3), at(8.3, 4, 3), at(9.1, -7, 3), at(8.3, 4, 3), at(8.3, 4, 3)})}},
         {"points on both sides of a line", {tangent(flat), fit({at(0, 1, 0), at(0, -1, 0)})}},
         {"a point on the line", {tangent(flat), through(at(1, 0, 0)), fit(square)}},
         {"equal through points", {through(at(5, 5, 0)), through(at(5, 5, 0)), fit(square)}},

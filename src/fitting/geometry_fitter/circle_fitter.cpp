@@ -1,8 +1,8 @@
-#include <algorithm>
 #include <cmath>
 
 #include "circle_lsf.h"
 #include "constraint_list.h"
+#include "fitting/angular_range.h"
 #include "mean_distance.h"
 #include "planar.h"
 
@@ -21,28 +21,12 @@ double radius_about(point const& center, constraint* list) {
     return mean_distance(fit_points(list), [&](point const& p) { return distance2d(p, center); });
 }
 
-// The range of sorted angles is the complement of the largest gap between neighbours, the first of equal
-// ones; a single angle has a gap of 2 pi and keeps it as its range.
-void range_of_angles(std::vector<double> const& angles, double& start, double& end) {
-    start = angles.front();
-    end = angles.back() - 2 * pi;
-    double gap = start - end;
-    for (std::size_t i = 1; i < angles.size(); ++i) {
-        if (!(angles[i] - angles[i - 1] > gap)) continue;
-        start = angles[i];
-        end = angles[i - 1];
-        gap = start - end;
-    }
-    if (angles.size() > 1) end += 2 * pi;
-}
-
-std::vector<double> sorted_angles(point const& center, constraint* list) {
+std::vector<double> angles_about(point const& center, constraint* list) {
     std::vector<double> angles;
     auto const add = [&](point const& p) { angles.push_back((p - center).angle2d()); };
     for (point const& p : through_points(list)) add(p);
     for (transform const& l : touched_shapes(list)) add(foot_on_line(center, l));
     for (point const& p : fit_points(list)) add(p);
-    std::sort(angles.begin(), angles.end());
     return angles;
 }
 
@@ -72,8 +56,10 @@ bool arc_fitter::result(Geometry_Description& description) {
     Circle_Description whole;
     if (!circle_fitter::result(whole)) return false;
     point const center = whole.geometry.center();
-    double start = 0, end = 0;
-    range_of_angles(sorted_angles(center, first_), start, end);
+    std::vector<double> const angles = angles_about(center, first_);
+    // A single angle has a gap of 2 pi and keeps it as its range.
+    double start = angles[0], end = start - 2 * pi;
+    if (angles.size() > 1) angular_range(angles, start, end);
     double const mid = (start + end) / 2.0;
     Arc_Description found;
     found.circle = whole.geometry;

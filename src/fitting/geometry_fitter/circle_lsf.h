@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "fitting/point_span.h"
 #include "tvmath/circle.h"
 #include "tvmath/point.h"
 #include "tvmath/transform.h"
@@ -24,11 +25,14 @@ struct circle_conditions {
     std::vector<transform> touched;
 };
 
-/// A circle that fulfils the conditions near enough for the iteration; the circle itself where they leave
-/// no redundancy. False when there is none.
-bool starting_circle(circle_conditions const& known, planar_circle& start);
-/// The part of it for circles that touch lines.
+/// A circle that touches lines and fulfils the conditions near enough for the iteration; the circle itself
+/// where they leave no redundancy. False when there is none.
 bool starting_tangent_circle(circle_conditions const& known, planar_circle& start);
+
+/// Carries `center` and `radius` from the algebraic circle of these points on to that of least squares in XY,
+/// at the same height. False, with both unchanged, when the iteration does not settle, and for a direction
+/// among the points.
+bool refine_circle(point_span points, point& center, double& radius);
 
 /// The circle of least squares under the conditions, in a plane parallel to XY at the mean height of the
 /// points and of the feet on the lines. False, with `result` unchanged, when there is none.

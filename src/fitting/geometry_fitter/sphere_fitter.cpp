@@ -1,12 +1,12 @@
-#include <algorithm>
 #include <cmath>
 
 #include "algebraic_start.h"
 #include "constraint_list.h"
 #include "fitting/iterative_solve.h"
+#include "fitting/point_lists.h"
 #include "geometry/xyz.h"
 #include "mean_distance.h"
-#include "row_block.h"
+#include "radial_sums.h"
 #include "sphere_lsf.h"
 #include "tvmath/quick_fit.h"
 
@@ -17,40 +17,18 @@ namespace {
 constexpr counting_rules rules = {
     .unknowns = 4, .centered = {3, any_number}, .through = {1, any_number}, .tangent = {1, any_number}};
 
-// Products of the rows (-dx / d, -dy / d, -dz / d, -1, d - radius) of all points about `start`.
-TVMATH_WIDE_LOOP void sum_sphere(std::vector<point> const& points, xyz const start, xyz const at,
-                                 double radius, double* sums) {
-    row_block<5> rows;
-    auto& [gx, gy, gz, minus_one, residual] = rows.column;
-    for (auto& column : rows.column) std::fill(std::begin(column), std::end(column), 0.0);
-    std::fill(std::begin(minus_one), std::end(minus_one), -1.0);
-    for (std::size_t first = 0; first < points.size(); first += rows.size) {
-        std::size_t const count = std::min(rows.size, points.size() - first);
-        point const* const p = points.data() + first;
-        for (std::size_t i = 0; i < count; ++i) {
-            gx[i] = p[i].x();
-            gy[i] = p[i].y();
-            gz[i] = p[i].z();
-        }
-        for (std::size_t i = 0; i < rows.size; ++i) {
-            double const dx = (gx[i] - start.x) - at.x, dy = (gy[i] - start.y) - at.y,
-                         dz = (gz[i] - start.z) - at.z;
-            double const d = std::sqrt(dx * dx + dy * dy + dz * dz);
-            gx[i] = -dx / d;
-            gy[i] = -dy / d;
-            gz[i] = -dz / d;
-            residual[i] = d - radius;
-        }
-        rows.add_products(sums, count);
-    }
+TVMATH_WIDE_LOOP void sum_sphere(point_span points, double const* start, double const* offset, double radius,
+                                 double* sums) {
+    radial_sums<3> rows(start, offset, radius);
+    rows.add(points);
+    rows.write(points.size(), sums);
 }
 
 // Unknowns: centre, relative to the starting one, and radius.
 class sphereLSF : public IterativeLSF {
 public:
-    sphereLSF(std::vector<point> const& fit, std::vector<point> const& through, point const& start,
-              double radius)
-        : fit_(fit), through_(through), start_(start) {
+    sphereLSF(point_span fit, std::vector<point> const& through, point const& start, double radius)
+        : fit_(fit), through_(through), start_{start.x(), start.y(), start.z()} {
         double const values[] = {0.0, 0.0, 0.0, radius};
         parameters = vector(4, values);
         for (point& p : through_) p -= point(false, start.x(), start.y(), start.z());
@@ -79,17 +57,32 @@ public:
 
     bool solve_all() {
         auto const sum = [this](double* sums) {
-            xyz const at(parameters[0], parameters[1], parameters[2]);
-            sum_sphere(fit_, start_, at, parameters[3], sums);
+            sum_sphere(fit_, start_, parameters.begin(), parameters[3], sums);
         };
         return solve_model(*this, sum, !through_.empty());
     }
 
 private:
-    std::vector<point> const& fit_;
+    point_span fit_;
     std::vector<point> through_;
-    xyz start_;
+    double start_[3];
 };
+
+bool is_usable(point const& center, double radius) {
+    return xyz(center).is_finite() && std::isfinite(radius) && radius > 0;
+}
+
+// The sphere of least squares in place of one that is near it.
+bool iterate(point_span fit, std::vector<point> const& through, point& center, double& radius) {
+    sphereLSF model(fit, through, center, radius);
+    if (!model.solve_all()) return false;
+    vector const& found = model.parameters;
+    point const moved = center + point(false, found[0], found[1], found[2]);
+    if (!is_usable(moved, found[3])) return false;
+    center = moved;
+    radius = found[3];
+    return true;
+}
 
 double radius_about(point const& center, constraint* list) {
     if (auto const* c = next_of<through_cnst>(list)) return distance3d(center, c->place);
@@ -113,23 +106,20 @@ bool least_squares_sphere(std::vector<point> const& fit, std::vector<point> cons
         all.insert(all.end(), through.begin(), through.end());
         return least_squares_sphere(all, {}, result);
     }
-    point start;
+    // Three points, repeated, would leave the choice of a sphere to rounding.
+    if (through.empty() && count_distinct(fit, 4) < 4) return false;
+    point center;
     double radius = 0;
-    if (!(through.empty() ? sphere_quick_fit(fit, start, radius)
-                          : algebraic_fit_through(fit, through, 3, start, radius))) {
-        return false;
-    }
-    point center = start;
-    if (!exact) {
-        sphereLSF model(fit, through, start, radius);
-        if (!model.solve_all()) return false;
-        vector const& found = model.parameters;
-        center += point(false, found[0], found[1], found[2]);
-        radius = found[3];
-    }
-    if (!xyz(center).is_finite() || !std::isfinite(radius) || !(radius > 0)) return false;
+    bool const started = through.empty() ? sphere_quick_fit(fit, center, radius)
+                                         : algebraic_fit_through(fit, through, 3, center, radius);
+    if (!started) return false;
+    if (exact ? !is_usable(center, radius) : !iterate(fit, through, center, radius)) return false;
     result = sphere(radius, center);
     return true;
+}
+
+bool refine_sphere(point_span points, point& center, double& radius) {
+    return iterate(points, {}, center, radius);
 }
 
 bool sphere_fitter::can_add(std::type_info const& kind) const {
