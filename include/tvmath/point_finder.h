@@ -57,10 +57,9 @@ public:
     point find_farthest(point query);
 
 private:
-    static constexpr std::uint32_t nowhere = 0xFFFFFFFFu;
-
     std::vector<unsigned char> block_;                                        // a tree in preorder
-    mutable std::uint32_t last_closest_ = nowhere, last_farthest_ = nowhere;  // offsets of leaves
+    // Offsets of leaves, all ones when there is no answer yet.
+    mutable std::uint32_t last_closest_ = 0xFFFFFFFFu, last_farthest_ = 0xFFFFFFFFu;
 };
 
 /// Finder of points by x and y.

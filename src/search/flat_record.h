@@ -23,9 +23,19 @@ void store(unsigned char* to, type const& value) {
     std::memcpy(to, &value, sizeof value);
 }
 
-/// Whether a block of so many bytes can be addressed by 32 bits, all ones being kept for "nowhere".
+/// Starts to fetch what will be read soon.
+inline void prefetch([[maybe_unused]] unsigned char const* from) {
+#if defined(__GNUC__)
+    __builtin_prefetch(from);
+#endif
+}
+
+/// Offset that is none.
+inline constexpr std::uint32_t nowhere = std::numeric_limits<std::uint32_t>::max();
+
+/// Whether a block of so many bytes can be addressed by 32 bits.
 inline bool fits_offsets(std::size_t bytes) {
-    return bytes < std::numeric_limits<std::uint32_t>::max();
+    return bytes < nowhere;
 }
 
 }  // namespace tvmath

@@ -7,9 +7,9 @@
 
 inline namespace tvmath {
 
-/// A list of plain values that stands in the caller's frame until it holds more than `room`; only then it
+/// A list of plain values that stands in the caller's frame until it holds more than `capacity`; only then it
 /// moves to the heap.
-template <class type, std::size_t room>
+template <class type, std::size_t capacity>
 class local_buffer {
     static_assert(std::is_trivially_copyable_v<type> && std::is_trivially_default_constructible_v<type>);
 
@@ -22,12 +22,16 @@ public:
     type* begin() { return begin_; }
     type* end() { return end_; }
 
-    void push_back(type const& value) { push_back_if(true, value); }
-    /// The value is written in any case, so that there is no jump that could be guessed wrong.
-    void push_back_if(bool is_wanted, type const& value) {
+    /// Room behind the last value, to be written to and then kept or not: without a copy, and without a jump
+    /// that could be guessed wrong.
+    type& room() {
         if (end_ == limit_) grow();
-        *end_ = value;
-        end_ += is_wanted;
+        return *end_;
+    }
+    void keep_if(bool is_wanted) { end_ += is_wanted; }
+    void push_back(type const& value) {
+        room() = value;
+        keep_if(true);
     }
     /// Takes the last value off; there must be one. It stays in its place until the next one is pushed.
     type const& pop_back() { return *--end_; }
@@ -43,9 +47,9 @@ private:
         limit_ = begin_ + on_heap_.size();
     }
 
-    type here_[room];
+    type here_[capacity];
     std::vector<type> on_heap_;
-    type *begin_ = here_, *end_ = here_, *limit_ = here_ + room;
+    type *begin_ = here_, *end_ = here_, *limit_ = here_ + capacity;
 };
 
 }  // namespace tvmath

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "finder_coordinates.h"
 #include "flat_record.h"
 
 inline namespace tvmath {
@@ -12,13 +13,13 @@ template <unsigned int dimension>
 struct finder_leaf {
     std::uint32_t mark;   // 0, where a node has the distance to its second child
     std::uint32_t index;  // in the list that the finder was made from
-    double at[dimension];
+    coordinates<dimension> at;
 };
 static_assert(sizeof(finder_leaf<2>) == 24 && sizeof(finder_leaf<3>) == 32);
 
 /// An inner node. In the block its numbers stand without the gap that alignment makes here.
 struct finder_node {
-    static constexpr std::size_t bytes = 28;
+    static constexpr std::uint32_t bytes = 28;
 
     std::uint32_t second_child;  // bytes from this node to the second child; the first one follows directly
     double lowest, highest, split;  // of the coordinates along the node's axis: least, greatest, mean
@@ -38,7 +39,7 @@ struct finder_node {
 /// Bytes of a subtree of `count` leaves, count above 0: every split makes one node.
 template <unsigned int dimension>
 constexpr std::size_t subtree_bytes(std::size_t count) {
-    return count * sizeof(finder_leaf<dimension>) + (count - 1) * finder_node::bytes;
+    return count * sizeof(finder_leaf<dimension>) + (count - 1) * std::size_t{finder_node::bytes};
 }
 
 /// The axis is not stored, it follows from the depth: x and y in turn in 2D, y, z, x and again in 3D.

@@ -1,7 +1,6 @@
 #include "tvmath/polyline_finder.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "local_buffer.h"
 #include "polyline_finder_build.h"
@@ -13,11 +12,9 @@ namespace {
 // The nearest place found so far, and the boxes that may hold a nearer one.
 template <unsigned int dimension>
 class polyline_search {
-    using coordinates = std::array<double, dimension>;
-
 public:
     polyline_search(std::vector<unsigned char> const& block, std::uint32_t first_node,
-                    coordinates const& query)
+                    coordinates<dimension> const& query)
         : block_(block.data()), first_node_(first_node), query_(query) {}
 
     void try_segment(std::uint32_t offset) {
@@ -26,7 +23,7 @@ public:
         for (unsigned int i = 0; i < dimension; ++i) {
             t += static_cast<float>(query_[i] - s.start[i]) * s.u[i];
         }
-        coordinates const p = place(s, t);
+        coordinates<dimension> const p = place(s, t);
         float const distance = squared_to([&](unsigned int i) { return query_[i] - p[i]; });
         if (!(distance < best_)) return;
         best_ = distance;
@@ -49,7 +46,7 @@ public:
 
     bool is_found() const { return is_found_; }
     std::uint32_t best_segment() const { return best_segment_; }
-    coordinates const& nearest_place() const { return place_; }
+    coordinates<dimension> const& nearest_place() const { return place_; }
 
 private:
     // 128 of them fill 1024 bytes. The heap of the standard library has its greatest entry on top.
@@ -62,8 +59,8 @@ private:
         }
     };
 
-    static coordinates place(finder_segment<dimension> const& s, float t) {
-        coordinates p = s.start;
+    static coordinates<dimension> place(finder_segment<dimension> const& s, float t) {
+        coordinates<dimension> p = s.start;
         for (unsigned int i = 0; i < dimension; ++i) {
             if (t >= 1.0f) {
                 p[i] = s.end(i);
@@ -95,11 +92,11 @@ private:
 
     unsigned char const* block_;
     std::uint32_t first_node_;
-    coordinates query_;
+    coordinates<dimension> query_;
     float best_ = std::numeric_limits<float>::infinity();
     std::uint32_t best_segment_ = 0;
     bool is_found_ = false;
-    coordinates place_;
+    coordinates<dimension> place_;
     local_buffer<entry, 128> waiting_;
 };
 
@@ -119,9 +116,8 @@ void polyline_finder<dimension>::construct(std::vector<point> const& points) {
 
 template <unsigned int dimension>
 point polyline_finder<dimension>::find_closest(point query) {
-    auto const q = finder_coordinates<dimension>(query);
-    bool const is_finite = std::all_of(q.begin(), q.end(), [](double c) { return std::isfinite(c); });
-    if (block_.empty() || !is_finite) return point();
+    auto const q = coordinates_of<dimension>(query);
+    if (block_.empty() || !is_finite(q)) return point();
 
     polyline_search<dimension> search(block_, first_node_, q);
     if (last_segment_ < first_node_) search.try_segment(last_segment_);
@@ -132,12 +128,7 @@ point polyline_finder<dimension>::find_closest(point query) {
     if (!search.is_found()) return point();
 
     last_segment_ = search.best_segment();
-    auto const& p = search.nearest_place();
-    if constexpr (dimension == 3) {
-        return point(true, p[0], p[1], p[2]);
-    } else {
-        return point(true, p[0], p[1]);
-    }
+    return location(search.nearest_place());
 }
 
 template class polyline_finder<2>;

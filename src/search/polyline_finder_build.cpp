@@ -14,9 +14,9 @@ template <unsigned int dimension>
 segments_of<dimension> make_segments(std::vector<point> const& points) {
     segments_of<dimension> segments;
     segments.reserve(points.size());
-    finder_segment<dimension> s = {finder_coordinates<dimension>(points.front()), {}, {}};
+    finder_segment<dimension> s = {coordinates_of<dimension>(points.front()), {}, {}};
     for (std::size_t k = 1; k < points.size(); ++k) {
-        auto const next = finder_coordinates<dimension>(points[k]);
+        auto const next = coordinates_of<dimension>(points[k]);
         // The difference is taken before it is narrowed: far from the origin it would keep no digit after.
         for (unsigned int i = 0; i < dimension; ++i) s.d[i] = static_cast<float>(next[i] - s.start[i]);
         float const l = squared(s.d);
@@ -38,7 +38,7 @@ class box_builder {
 public:
     // What is sorted in place of a segment: twice its midpoint, and where it stands.
     struct item {
-        std::array<double, dimension> key;
+        coordinates<dimension> key;
         std::uint32_t offset;
     };
     struct subtree {

@@ -1,39 +1,18 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 
+#include "finder_coordinates.h"
 #include "flat_record.h"
-#include "geometry/xyz.h"
 
 inline namespace tvmath {
-
-/// Coordinates as a finder of `dimension` counts them.
-template <unsigned int dimension>
-std::array<double, dimension> finder_coordinates(point const& p) {
-    xyz const q(p);
-    if constexpr (dimension == 3) {
-        return {q.x, q.y, q.z};
-    } else {
-        return {q.x, q.y};
-    }
-}
-
-/// Sum of squares, in one order wherever distances are compared: rounding is monotone, so a box is never
-/// farther than anything in it.
-template <class number, std::size_t dimension>
-number squared(std::array<number, dimension> const& v) {
-    number sum = v[0] * v[0] + v[1] * v[1];
-    if constexpr (dimension == 3) sum += v[2] * v[2];
-    return sum;
-}
 
 /// A segment of a polyline finder, byte by byte as it stands in the block.
 template <unsigned int dimension>
 struct finder_segment {
-    std::array<double, dimension> start;
+    coordinates<dimension> start;
     std::array<float, dimension> d;  // from the start to the end
     std::array<float, dimension> u;  // d / |d|²
 
