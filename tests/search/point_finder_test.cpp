@@ -2,18 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-#include <functional>
-#include <limits>
-
-#include "support/seeded_random.h"
+#include "finder_checks.h"
 
 inline namespace tvmath {
 namespace {
-
-double constexpr infinite = std::numeric_limits<double>::infinity();
-double constexpr nan = std::numeric_limits<double>::quiet_NaN();
 
 template <class finder>
 struct PointFinder : testing::Test {
@@ -28,14 +20,7 @@ struct PointFinder : testing::Test {
 using finders = testing::Types<PointFinder2D, PointFinder3D>;
 TYPED_TEST_SUITE(PointFinder, finders);
 
-using coordinate = std::function<double(seeded_random&, int axis, int i)>;
-
-struct family {
-    char const* name;
-    coordinate draw;
-};
-
-family const families[] = {
+point_family const families[] = {
     {"uniform", [](auto& r, int, int) { return r.uniform(-5, 5); }},
     {"ties on a grid", [](auto& r, int, int) { return 0.1 * r.below(6); }},
     {"equal", [](auto&, int, int) { return 0.1; }},
@@ -57,39 +42,31 @@ family const families[] = {
 // The distances are those of the exhaustive search to the last bit; which of several ties answers is open.
 TYPED_TEST(PointFinder, AgreesWithExhaustiveSearch) {
     seeded_random random(6);
-    for (family const& f : families) {
+    for (point_family const& family : families) {
         for (int trial = 0; trial < 60; ++trial) {
-            SCOPED_TRACE(std::string(f.name) + " " + std::to_string(trial));
-            int const count = 1 + static_cast<int>(random.below(trial % 10 == 0 ? 700 : 20));
-            auto const draw = [&](int i) {
-                double const x = f.draw(random, 0, i), y = f.draw(random, 1, i);
-                return TestFixture::at(x, y, f.draw(random, 2, i));
-            };
-            std::vector<point> points;
-            for (int i = 0; i < count; ++i) points.push_back(draw(i));
+            SCOPED_TRACE(std::string(family.name) + " " + std::to_string(trial));
+            auto const points = family.list(random, TestFixture::is_3d);
             TypeParam finder;
             finder.construct(points);
-            point query = draw(0);
+            point query = points[0];
             for (int k = 0; k < 40; ++k) {
-                // By turns a new place, a point of the list and a place close to the last one.
-                if (k % 4 == 0) query = draw(k);
-                if (k % 4 == 1) query = points[random.below(static_cast<unsigned int>(count))];
-                if (k % 4 == 2) query.x() += random.uniform(-0.1, 0.1);
+                family.move(query, random, points, k);
                 double least = infinite, most = -infinite;
                 for (point const& p : points) {
                     double const d = TestFixture::distance(p, query);
                     if (d < least) least = d;
                     if (d > most) most = d;
                 }
-                bool const is_finite = std::isfinite(TestFixture::distance(query, query));
                 unsigned int closest = 0, farthest = 0;
-                ASSERT_EQ(finder.find_closest(query, closest), is_finite && least < infinite);
-                ASSERT_EQ(finder.find_farthest(query, farthest), is_finite && most >= 0);
-                if (is_finite && least < infinite) {
+                bool const is_near = is_finite(query) && least < infinite,
+                           is_far = is_finite(query) && most >= 0;
+                ASSERT_EQ(finder.find_closest(query, closest), is_near);
+                ASSERT_EQ(finder.find_farthest(query, farthest), is_far);
+                ASSERT_EQ(finder.find_closest(query), is_near ? points[closest] : point());
+                if (is_near) {
                     ASSERT_EQ(TestFixture::distance(points[closest], query), least);
-                    ASSERT_TRUE(finder.find_closest(query) == points[closest]);
                 }
-                if (is_finite && most >= 0) {
+                if (is_far) {
                     ASSERT_EQ(TestFixture::distance(points[farthest], query), most);
                 }
             }
@@ -113,21 +90,20 @@ TYPED_TEST(PointFinder, KeepsTheLastAnswerAmongTies) {
     }
 }
 
-// What a finder is made of: the block, then two 32-bit offsets.
-template <class type>
-type read(unsigned char const* from) {
-    type value;
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
-template <class finder>
-std::vector<unsigned char> const& block_of(finder const& f) {
-    return reinterpret_cast<std::vector<unsigned char> const&>(f);
-}
-template <class finder>
-std::uint32_t offset_of(finder const& f, int which) {
-    return read<std::uint32_t>(reinterpret_cast<unsigned char const*>(&f) +
-                               sizeof(std::vector<unsigned char>) + 4 * static_cast<std::size_t>(which));
+// Without an answer to keep: nearest goes first to the side that the query is on, which at the split itself
+// is the second one; farthest goes first to the other one. Points a to d in the corners of a square, worked
+// by hand.
+TEST(PointFinder2D, AnswersTheFirstTieOnItsWay) {
+    PointFinder2D finder;
+    for (auto const& [x, y, closest, farthest] :
+         {std::tuple(0.0, 0.0, 3u, 0u), std::tuple(-0.5, 0.0, 1u, 2u), std::tuple(0.0, -0.5, 2u, 1u)}) {
+        finder.construct({point(true, -1, -1), point(true, -1, 1), point(true, 1, -1), point(true, 1, 1)});
+        unsigned int index = 9;
+        ASSERT_TRUE(finder.find_closest(point(true, x, y), index));
+        EXPECT_EQ(index, closest);
+        ASSERT_TRUE(finder.find_farthest(point(true, x, y), index));
+        EXPECT_EQ(index, farthest);
+    }
 }
 
 // Root by x: mean 2 of 0, 5, 1. Below it (0, 0) and (1, 8) by y: mean 4.
@@ -147,14 +123,12 @@ TEST(PointFinder2D, HasTheTreeWorkedByHand) {
     for (record const& r : records) {
         SCOPED_TRACE(r.offset);
         bool const is_leaf = r.head == 0;
-        if (is_leaf) indices.push_back(read<std::uint32_t>(&block[r.offset + 4]));
-        EXPECT_EQ(read<std::uint32_t>(&block[r.offset]), r.head);
-        for (std::size_t i = 0; i < r.values.size(); ++i) {
-            EXPECT_EQ(read<double>(&block[r.offset + (is_leaf ? 8 : 4) + 8 * i]), r.values[i]);
-        }
+        if (is_leaf) indices.push_back(read<std::uint32_t>(block.data(), r.offset + 4));
+        EXPECT_EQ(read<std::uint32_t>(block.data(), r.offset), r.head);
+        std::size_t const values = r.offset + (is_leaf ? 8 : 4);
+        EXPECT_EQ(std::memcmp(&block[values], r.values.data(), 8 * r.values.size()), 0);
     }
     EXPECT_EQ(indices, (std::vector<std::uint32_t>{0, 2, 1}));
-    EXPECT_EQ(offset_of(finder, 0), 0xFFFFFFFFu);
     EXPECT_TRUE(finder.find_closest(point(true, 6, 1)) == point(true, 5, 1));
     EXPECT_TRUE(finder.find_farthest(point(true, 6, 1)) == point(true, 1, 8));
     EXPECT_EQ(offset_of(finder, 0), 104u);
@@ -165,40 +139,39 @@ TEST(PointFinder2D, HasTheTreeWorkedByHand) {
 TEST(PointFinder3D, SplitsByYThenZThenX) {
     PointFinder3D finder;
     finder.construct({point(true, 4, 0, 0), point(true, 2, 0, 0), point(true, 0, 0, 2), point(true, 1, 9)});
-    auto const& block = block_of(finder);
-    ASSERT_EQ(block.size(), 4u * 32 + 3 * 28);
-    EXPECT_EQ(read<double>(&block[20]), 2.25);               // y of 0, 0, 0, 9
-    EXPECT_EQ(read<double>(&block[28 + 20]), 2.0 / 3);       // z of 0, 0, 2
-    EXPECT_EQ(read<double>(&block[28 + 28 + 20]), 3);        // x of 4, 2
-    EXPECT_EQ(read<std::uint32_t>(&block[3 * 28 + 4]), 1u);  // (2, 0, 0) is below that mean
+    unsigned char const* const tree = block_of(finder).data();
+    ASSERT_EQ(block_of(finder).size(), 4u * 32 + 3 * 28);
+    EXPECT_EQ(read<double>(tree, 20), 2.25);               // y of 0, 0, 0, 9
+    EXPECT_EQ(read<double>(tree, 28 + 20), 2.0 / 3);       // z of 0, 0, 2
+    EXPECT_EQ(read<double>(tree, 2 * 28 + 20), 3);         // x of 4, 2
+    EXPECT_EQ(read<std::uint32_t>(tree, 3 * 28 + 4), 1u);  // (2, 0, 0) is below that mean
     finder.construct({point(true, 1, 1, 1), point(true, 1, 1, 1), point(true, 1, 1, 1)});
-    EXPECT_EQ(read<std::uint32_t>(&block_of(finder)[0]), 28u + 32);
-    EXPECT_EQ(read<std::uint32_t>(&block_of(finder)[28 + 4]), 0u);
+    EXPECT_EQ(read<std::uint32_t>(block_of(finder).data()), 28u + 32);
+    EXPECT_EQ(read<std::uint32_t>(block_of(finder).data(), 28 + 4), 0u);
 }
 
 TYPED_TEST(PointFinder, IsEmptyUntilBuiltAndAfterClear) {
     TypeParam finder;
+    point const query = TestFixture::at(9, 9, 9), only = TestFixture::at(1, 2, 3);
     auto const expect_empty = [&](char const* when) {
         SCOPED_TRACE(when);
         unsigned int index = 7;
-        EXPECT_FALSE(finder.find_closest(TestFixture::at(0, 0, 0), index));
-        EXPECT_FALSE(finder.find_farthest(TestFixture::at(0, 0, 0), index));
+        EXPECT_FALSE(finder.find_closest(query, index) || finder.find_farthest(query, index));
         EXPECT_EQ(index, 7u);
-        EXPECT_TRUE(finder.find_closest(TestFixture::at(0, 0, 0)).is_trivial());
-        EXPECT_TRUE(finder.find_farthest(TestFixture::at(0, 0, 0)).is_trivial());
+        EXPECT_TRUE(finder.find_closest(query).is_trivial() && finder.find_farthest(query).is_trivial());
         EXPECT_EQ(offset_of(finder, 0), 0xFFFFFFFFu);
         EXPECT_EQ(offset_of(finder, 1), 0xFFFFFFFFu);
     };
     expect_empty("new");
-    finder.construct({TestFixture::at(1, 2, 3)});
-    EXPECT_TRUE(finder.find_closest(TestFixture::at(9, 9, 9)) == TestFixture::at(1, 2, 3));
+    finder.construct({only});
+    EXPECT_TRUE(finder.find_closest(query) == only && finder.find_farthest(query) == only);
     TypeParam const copy = finder;
     finder.clear();
     expect_empty("cleared");
     finder.construct({});
     expect_empty("built from nothing");
     unsigned int index = 7;
-    EXPECT_TRUE(copy.find_closest(TestFixture::at(9, 9, 9), index));
+    EXPECT_TRUE(copy.find_closest(query, index));
     EXPECT_EQ(index, 0u);
 }
 

@@ -2,18 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <functional>
-#include <limits>
 
-#include "support/seeded_random.h"
+#include "finder_checks.h"
 
 inline namespace tvmath {
 namespace {
-
-double constexpr infinite = std::numeric_limits<double>::infinity();
-double constexpr nan = std::numeric_limits<double>::quiet_NaN();
 
 template <class finder>
 struct PolyLineFinder : testing::Test {
@@ -57,12 +52,7 @@ struct PolyLineFinder : testing::Test {
 using finders = testing::Types<PolyLineFinder2D, PolyLineFinder3D>;
 TYPED_TEST_SUITE(PolyLineFinder, finders);
 
-struct family {
-    char const* name;
-    std::function<double(seeded_random&, int axis, int i)> draw;
-};
-
-family const families[] = {
+point_family const families[] = {
     {"random", [](auto& r, int, int) { return r.uniform(-5, 5); }},
     {"contour", [](auto& r, int axis, int i) { return 20 * std::cos(0.05 * i + axis) + 1e-3 * r.normal(); }},
     {"staircase on a grid", [](auto& r, int, int i) { return i / 2 + (r.coin() ? 1 : 0); }},
@@ -80,27 +70,18 @@ family const families[] = {
 
 TYPED_TEST(PolyLineFinder, AgreesWithExhaustiveSearch) {
     seeded_random random(10);
-    for (family const& f : families) {
+    for (point_family const& family : families) {
         for (int trial = 0; trial < 40; ++trial) {
-            SCOPED_TRACE(std::string(f.name) + " " + std::to_string(trial));
-            int const count = 1 + static_cast<int>(random.below(trial % 10 == 0 ? 700 : 20));
-            auto const draw = [&](int i) {
-                double const x = f.draw(random, 0, i), y = f.draw(random, 1, i);
-                return TestFixture::at(x, y, f.draw(random, 2, i));
-            };
-            std::vector<point> points;
-            for (int i = 0; i < count; ++i) points.push_back(draw(i));
+            SCOPED_TRACE(std::string(family.name) + " " + std::to_string(trial));
+            auto const points = family.list(random, TestFixture::is_3d);
             TypeParam finder;
             finder.construct(points);
-            point query = draw(0);
+            point query = points[0];
             for (int k = 0; k < 30; ++k) {
-                if (k % 3 == 0) query = draw(k);
-                if (k % 3 == 1) query = points[random.below(static_cast<unsigned int>(count))];
-                if (k % 3 == 2) query.y() += random.uniform(-1, 1);
+                family.move(query, random, points, k);
                 point const answer = finder.find_closest(query);
                 float const least = TestFixture::least_distance(points, query);
-                bool const is_finite = std::isfinite(query.x() + query.y() + query.z());
-                ASSERT_EQ(answer.is_trivial(), !is_finite || !(least < infinite));
+                ASSERT_EQ(answer.is_trivial(), !is_finite(query) || !(least < infinite));
                 if (answer.is_trivial()) continue;
                 ASSERT_EQ(TestFixture::distance(query, answer), least);
             }
@@ -142,36 +123,21 @@ TYPED_TEST(PolyLineFinder, IsEmptyUntilBuiltAndAfterClear) {
     EXPECT_TRUE(copy.find_closest(query) == corner);
 }
 
-template <class type>
-type read(unsigned char const* from) {
-    type value;
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
-
-struct offsets {
-    std::uint32_t first_node, last_segment;
-};
-offsets offsets_of(PolyLineFinder2D const& f) {
-    return read<offsets>(reinterpret_cast<unsigned char const*>(&f) + sizeof(std::vector<unsigned char>));
-}
-
 // From (0, 0) by (4, 0) and (0, 2) to (-1, 2), with a point twice. Midpoints by x: the last segment, 1.5,
 // then 2 and 4; the first half is one segment, the second one is sorted by y.
 TEST(PolyLineFinder2D, HasTheBlockWorkedByHand) {
     PolyLineFinder2D finder;
     finder.construct(
         {point(true, 0, 0), point(true, 4, 0), point(true, 4, 0), point(true, 4, 2), point(true, -1, 2)});
-    auto const& block = reinterpret_cast<std::vector<unsigned char> const&>(finder);
+    auto const& block = block_of(finder);
     ASSERT_EQ(block.size(), 3u * 32 + 2 * 40);
-    EXPECT_EQ(offsets_of(finder).first_node, 96u);
-    EXPECT_EQ(offsets_of(finder).last_segment, 96u);
+    EXPECT_EQ(offset_of(finder, 0), 96u);
+    EXPECT_EQ(offset_of(finder, 1), 96u);
     double const starts[3][2] = {{0, 0}, {4, 0}, {4, 2}};
     float const directions[3][4] = {{4, 0, 0.25f, 0}, {0, 2, 0, 0.5f}, {-5, 0, -0.2f, 0}};
     for (std::size_t k = 0; k < 3; ++k) {
         EXPECT_EQ(std::memcmp(&block[32 * k], starts[k], 16), 0) << k;
-        for (std::size_t i = 0; i < 4; ++i)
-            EXPECT_EQ(read<float>(&block[32 * k + 16 + 4 * i]), directions[k][i]);
+        EXPECT_EQ(std::memcmp(&block[32 * k + 16], directions[k], 16), 0) << k;
     }
     double const boxes[2][4] = {{0, 4, 0, 2}, {-1, 4, 0, 2}};
     std::uint32_t const children[2][2] = {{0, 32}, {64, 96}};
@@ -180,7 +146,7 @@ TEST(PolyLineFinder2D, HasTheBlockWorkedByHand) {
         EXPECT_EQ(std::memcmp(&block[96 + 40 * k + 32], children[k], 8), 0) << k;
     }
     EXPECT_TRUE(finder.find_closest(point(true, -8, 3)) == point(true, -1, 2));
-    EXPECT_EQ(offsets_of(finder).last_segment, 64u);
+    EXPECT_EQ(offset_of(finder, 1), 64u);
     // As far from the first segment as from the last one, which is the last answer.
     EXPECT_EQ(finder.find_closest(point(true, 1, 1)).y(), 2);
 }
