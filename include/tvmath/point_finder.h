@@ -57,7 +57,7 @@ public:
     point find_farthest(point query);
 
 private:
-    std::vector<unsigned char> block_;                                        // a tree in preorder
+    std::vector<unsigned char> block_;  // a tree in preorder
     // Offsets of leaves, all ones when there is no answer yet.
     mutable std::uint32_t last_closest_ = 0xFFFFFFFFu, last_farthest_ = 0xFFFFFFFFu;
 };

@@ -148,6 +148,7 @@ TEST(PointFinder3D, SplitsByYThenZThenX) {
     finder.construct({point(true, 1, 1, 1), point(true, 1, 1, 1), point(true, 1, 1, 1)});
     EXPECT_EQ(read<std::uint32_t>(block_of(finder).data()), 28u + 32);
     EXPECT_EQ(read<std::uint32_t>(block_of(finder).data(), 28 + 4), 0u);
+    EXPECT_EQ(read<std::uint32_t>(block_of(finder).data(), 28 + 32 + 28 + 4), 1u);
 }
 
 TYPED_TEST(PointFinder, IsEmptyUntilBuiltAndAfterClear) {
