@@ -86,6 +86,8 @@ private:
             return std::max(std::max(box.ranges[i].min - query_[i], query_[i] - box.ranges[i].max), 0.0);
         });
         if (!(best_ > distance)) return;
+        prefetch(block_ + box.first);
+        prefetch(block_ + box.second);
         waiting_.push_back({distance, offset});
         std::push_heap(waiting_.begin(), waiting_.end());
     }
