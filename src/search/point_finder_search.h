@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "finder_coordinates.h"
+
+inline namespace tvmath {
+
+/// Offset of the leaf nearest to the query, which must be finite, or `nowhere` when no distance is finite.
+/// The leaf at `last`, unless that is `nowhere`, wins over all that are just as near. The block must not be
+/// empty.
+template <unsigned int dimension>
+std::uint32_t closest_leaf(std::vector<unsigned char> const& block, coordinates<dimension> const& query,
+                           std::uint32_t last);
+
+/// The same for the farthest leaf; `nowhere` when all leaves have a NaN.
+template <unsigned int dimension>
+std::uint32_t farthest_leaf(std::vector<unsigned char> const& block, coordinates<dimension> const& query,
+                            std::uint32_t last);
+
+}  // namespace tvmath
