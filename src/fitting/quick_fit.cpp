@@ -3,9 +3,9 @@
 #include <cmath>
 #include <span>
 
+#include "geometry/point_lanes.h"
 #include "point_span.h"
 #include "principal_axis.h"
-#include "geometry/point_lanes.h"
 
 inline namespace tvmath {
 namespace {
