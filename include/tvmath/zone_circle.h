@@ -18,8 +18,8 @@ inline namespace tvmath {
 /// The circle amid the narrowest ring that holds all points: its centre gives the roundness by the minimum
 /// zone (ISO 12181, MZC), its radius is the mean of the two of the ring.
 ///
-/// Fewer than 3 points give the null circle. Exactly 3 give the circle through them, by `circle_fit`, in its
-/// dimension. Otherwise the circle is 3D, at the mean z, or at z = 0 for a list that is not all 3D. One place
+/// Fewer than 3 points give the null circle. Exactly 3 give the circle through them, 3D when all three
+/// are. Otherwise the circle is 3D, at the mean z, or at z = 0 for a list that is not all 3D. One place
 /// however often repeated gives a circle of radius 0 there; two places the circle on them as a diameter.
 ///
 /// Null where rings about ever farther centres get ever narrower without end: then the points are better

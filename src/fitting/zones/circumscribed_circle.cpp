@@ -51,13 +51,9 @@ circle minimum_circumscribed_circle(std::vector<point> const& points) {
 
     for (int step = 0; step < 1000; ++step) {
         zone_center const center = zone_center::at(c.center);
-        power_range range{-infinity, c.radius * c.radius - center.square() + rounding};
-        std::size_t farthest = all.count;
-        all.visit_beyond(center, range, [&](std::size_t i, double a) {
-            range.high = a;
-            farthest = i;
-        });
-        if (farthest == all.count) return all.place(c.center, c.radius);
+        double power = 0;
+        std::size_t const farthest = all.farthest_from(center, power);
+        if (power + center.square() <= c.radius * c.radius + rounding) return all.place(c.center, c.radius);
         contact_circle const next = enclosing(c, all[farthest]);
         if (next.radius == infinity) break;
         c = next;

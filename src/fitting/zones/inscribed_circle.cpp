@@ -24,14 +24,6 @@ std::vector<xy> corners_of(zone_points const& all, unsigned int directions) {
     return corners;
 }
 
-double longest_side(std::vector<xy> const& corners) {
-    double longest = 0;
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-        longest = std::max(longest, length(corners[(i + 1) % corners.size()] - corners[i]));
-    }
-    return longest;
-}
-
 // Points on a line, to a rounding: the circle on the largest gap between neighbours.
 bool on_a_line(zone_points const& all, std::vector<xy> const& corners, double resolution) {
     xy const a = corners[0];
@@ -62,24 +54,56 @@ contact_circle largest_gap(zone_points const& all) {
     return best;
 }
 
+// Amid the few, the greatest distance of a place on the side from a to b from the nearest of them, at most.
+double emptiness_along(xy a, xy b, std::vector<xy> const& few) {
+    constexpr int steps = 64;
+    double most = 0;
+    for (int i = 0; i <= steps; ++i) {
+        xy const x = a + static_cast<double>(i) / steps * (b - a);
+        double least = infinity;
+        for (xy p : few) least = std::min(least, length(p - x));
+        most = std::max(most, least);
+    }
+    return most + length(b - a) / (2 * steps);
+}
+
+// How far points lie beyond the side from a to b, seen from inside a polygon that runs anticlockwise.
+double height_beyond(zone_points const& all, xy a, xy b) {
+    xy const outward = 1 / length(b - a) * xy{b.y - a.y, a.x - b.x};
+    zone_center const away{-outward.x / 2, -outward.y / 2, 0};
+    power_range range{-infinity, dot(outward, a)};
+    all.visit_beyond(away, range, [&range](std::size_t, double h) { range.high = h; });
+    return range.high - dot(outward, a);
+}
+
+bool holds(zone_points const& all, std::vector<xy> const& fence, double radius, std::vector<xy> const& few) {
+    for (std::size_t i = 0; i < fence.size(); ++i) {
+        xy const a = fence[i], b = fence[(i + 1) % fence.size()];
+        if (length(b - a) <= radius) continue;
+        double const empty = emptiness_along(a, b, few);
+        if (empty > radius || empty + height_beyond(all, a, b) > radius) return false;
+    }
+    return true;
+}
+
 // The largest circle enclosed by three contacts, from few of the points: the largest one amid them, and as
 // long as other points lie inside, with the deepest of these added.
 //
-// It is the largest amid all points when its radius is at least the longest side of `fence`, a polygon of
-// extreme points in directions less than a right angle apart, that are among the few. Proof: take a larger
-// empty circle about c, enclosed by contacts. Leaving out points, its centre can only gain distance, and
-// moves uphill to a circle enclosed by three of the few, which would be larger than the largest, or out of
-// the fence. On the way out it crosses a side, where both ends are nearer than its length. A c outside
-// the fence lies in a cap between a side and the corner beyond, whose angle is obtuse, together with a
-// contact, since contacts enclose c: their distance is below the side's length too.
+// It is the largest amid all points when `fence` holds it: a polygon of extreme points in directions less
+// than a right angle apart, that are among the few. Proof: take a larger empty circle about c, enclosed by
+// contacts. Leaving out points, its centre can only gain distance, and moves uphill to a circle enclosed by
+// three of the few, which would be larger than the largest, or out of the fence. On the way out it crosses a
+// side, where no place is farther than the side's length from both ends, nor than its emptiness from the
+// few. A c outside the fence lies in a cap between a side and the corner beyond, whose angle is obtuse,
+// together with a contact, since contacts enclose c: their distance is below the side's length, and c is
+// no farther from the few than the height of the cap and the emptiness of the side.
 contact_circle from_few(zone_points const& all, std::vector<xy> const& fence) {
     std::vector<xy> few = fence;
-    std::size_t const stride = all.count / 16 + 1;
+    std::size_t const stride = all.count / 48 + 1;
     for (std::size_t i = 0; i < all.count; i += stride) few.push_back(all[i]);
-    double const side = longest_side(fence);
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 50; ++round) {
         contact_circle const c = inscribed_search(few);
-        if (!(c.radius >= side)) return {};
+        if (c.contacts == 0 || !holds(all, fence, c.radius, few)) return {};
         zone_center const center = zone_center::at(c.center);
         power_range const empty{c.radius * c.radius - center.square() - rounding, infinity};
         power_range range;
@@ -88,15 +112,11 @@ contact_circle from_few(zone_points const& all, std::vector<xy> const& fence) {
     return {};
 }
 
-contact_circle largest_enclosed(zone_points const& all, std::vector<xy> fence) {
-    constexpr std::size_t small = 64;  // as many as the few would become
+contact_circle largest_enclosed(zone_points const& all, std::vector<xy> const& fence) {
+    constexpr std::size_t small = 128;  // as many as the few would become
     if (all.count > small) {
-        for (unsigned int directions = 64;; directions *= 4) {
-            contact_circle const c = from_few(all, fence);
-            if (c.contacts != 0) return c;
-            if (directions > 256) break;
-            fence = corners_of(all, directions);  // an oblong form has long sides
-        }
+        contact_circle const c = from_few(all, fence);
+        if (c.contacts != 0) return c;
     }
     std::vector<xy> every;
     for (std::size_t i = 0; i < all.count; ++i) every.push_back(all[i]);

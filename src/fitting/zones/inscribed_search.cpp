@@ -14,6 +14,7 @@ namespace {
 constexpr double rounding = 1e-14;
 // Below, all triangles are tried; 56 of 8 points cost less than to divide the square.
 constexpr std::size_t few = 8;
+constexpr std::size_t most_walked = 256;
 // A right angle by rounding counts as one: on a grid the centre lies on the hypotenuse.
 constexpr double least_cosine = -1e-13;
 
@@ -57,6 +58,8 @@ struct cone {
 class search {
 public:
     explicit search(std::vector<xy> const& points) : points_(points) {
+        // A start only; along a ragged arc the walk drops point after point, each at the cost of a pass.
+        if (points.size() > most_walked) return;
         contact_circle const walked = inscribed_walk(points);
         if (walked.contacts == 3) offer(walked, points_.size(), [](std::size_t i) { return i; });
     }

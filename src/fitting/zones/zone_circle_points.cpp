@@ -74,28 +74,55 @@ power_range zone_points::block_range(std::size_t first, zone_center const& c) co
     return range_of(x_.data() + first, y_.data() + first, std::min(block, x_.size() - first), c);
 }
 
+// The block that holds an extreme is searched for it in the end, once: along a contour in order, the extremes
+// so far change in every other block.
+std::size_t zone_points::index_in(std::size_t first, zone_center const& c, double power) const {
+    std::size_t const end = std::min(first + block, count);
+    for (std::size_t i = first; i < end; ++i) {
+        if (power_about(c, x_[i], y_[i]) == power) return i;
+    }
+    return 0;  // the padding, a copy of point 0
+}
+
+std::size_t zone_points::farthest_from(zone_center const& c, double& power) const {
+    std::size_t best = 0;
+    power = -infinity;
+    for (std::size_t first = 0; first < count; first += block) {
+        double const most = block_range(first, c).high;
+        if (!(most > power)) continue;
+        power = most;
+        best = first;
+    }
+    return index_in(best, c, power);
+}
+
 std::vector<std::size_t> zone_points::extremes(unsigned int directions) const {
+    struct extreme {
+        zone_center along;
+        power_range range;
+        std::size_t low_block = 0, high_block = 0;
+    };
     unsigned int const axes = directions / 2;
-    std::vector<zone_center> along(axes);
-    std::vector<power_range> range(axes);
-    std::vector<std::size_t> found(directions, 0);
+    std::vector<extreme> found(axes);
     for (unsigned int k = 0; k < axes; ++k) {
         double const angle = pi * k / axes;
-        along[k] = {-std::cos(angle) / 2, -std::sin(angle) / 2, 0};  // the power is the coordinate along it
+        found[k].along = {-std::cos(angle) / 2, -std::sin(angle) / 2, 0};  // the power is the coordinate there
     }
     for (std::size_t first = 0; first < count; first += block) {
-        for (unsigned int k = 0; k < axes; ++k) {
-            auto const keep = [&](std::size_t i, double a) {
-                if (a > range[k].high) found[k] = i;
-                if (a < range[k].low) found[k + axes] = i;
-                range[k].widen(a);
-            };
-            visit_block(first, along[k], range[k], keep);
+        for (extreme& e : found) {
+            power_range const here = block_range(first, e.along);
+            if (here.low < e.range.low) e.low_block = first;
+            if (here.high > e.range.high) e.high_block = first;
+            e.range.widen(here.low);
+            e.range.widen(here.high);
         }
     }
-    found.erase(std::unique(found.begin(), found.end()), found.end());
-    while (found.size() > 1 && found.back() == found.front()) found.pop_back();
-    return found;
+    std::vector<std::size_t> corners;
+    for (extreme const& e : found) corners.push_back(index_in(e.high_block, e.along, e.range.high));
+    for (extreme const& e : found) corners.push_back(index_in(e.low_block, e.along, e.range.low));
+    corners.erase(std::unique(corners.begin(), corners.end()), corners.end());
+    while (corners.size() > 1 && corners.back() == corners.front()) corners.pop_back();
+    return corners;
 }
 
 bool sector_picks::add_beyond(zone_points const& points, zone_center const& c, power_range const& limits,

@@ -78,6 +78,8 @@ public:
             visit_block(first, c, limits, visit);
         }
     }
+    /// One pass: the index of the point farthest from `c`, and its power there.
+    std::size_t farthest_from(zone_center const& c, double& power) const;
     /// One pass: the points farthest out in `directions` equal directions, an even number, anticlockwise and
     /// each once. They are corners of the convex hull, or all the same point.
     std::vector<std::size_t> extremes(unsigned int directions) const;
@@ -87,6 +89,7 @@ private:
     std::vector<double> x_, y_;                // filled up with copies to a multiple of 4
 
     power_range block_range(std::size_t first, zone_center const& c) const;
+    std::size_t index_in(std::size_t first, zone_center const& c, double power) const;
 
     template <class visitor>
     void visit_block(std::size_t first, zone_center const& c, power_range const& limits,

@@ -102,7 +102,13 @@ public:
             heap_.pop_back();
             divide(t);
             complete = k < most_triangles;
+#ifdef ZC_STATS
+            steps_ = k;
+#endif
         }
+#ifdef ZC_STATS
+        __builtin_printf("few %zu triangles %d left %zu width %.17g complete %d\n", points_.size(), steps_, heap_.size(), best_.width, complete);
+#endif
         ring = best_;
         return complete;
     }
@@ -111,6 +117,9 @@ private:
     std::vector<xy> const& points_;
     std::vector<triangle> heap_;
     zone_ring best_;
+#ifdef ZC_STATS
+    int steps_ = 0;
+#endif
 
     // Centres up to 2 each way, and (+-2, s) / t and (s, +-2) / t for t from 1 to 0.
     void cover_plane() {
