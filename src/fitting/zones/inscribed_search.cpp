@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
+#include <memory>
 
 #include "inscribed_walk.h"
 #include "tvmath/scalar.h"
@@ -25,13 +25,13 @@ double length(xy a) {
     return std::sqrt(dot(a, a));
 }
 
-using index_list = std::vector<std::uint32_t>;
+using point_list = std::shared_ptr<std::vector<xy> const>;
 
 struct square_of_centers {
     xy middle;
     double half = 0;
     double bound = infinity;
-    index_list near;  // all points that a circle about a centre in the square can touch
+    point_list near;  // all points that a circle about a centre in the square can touch
 
     bool operator<(square_of_centers const& other) const { return bound < other.bound; }
     double half_diagonal() const { return half * 1.4142135623730952; }
@@ -57,17 +57,15 @@ struct cone {
 
 class search {
 public:
-    explicit search(std::vector<xy> const& points) : points_(points) {
+    explicit search(std::vector<xy> const& points) {
+        heap_.push_back({{0, 0}, 1, infinity, std::make_shared<std::vector<xy> const>(points)});
         // A start only; along a ragged arc the walk drops point after point, each at the cost of a pass.
         if (points.size() > most_walked) return;
         contact_circle const walked = inscribed_walk(points);
-        if (walked.contacts == 3) offer(walked, points_.size(), [](std::size_t i) { return i; });
+        if (walked.contacts == 3) offer(walked, points);
     }
 
     contact_circle run() {
-        square_of_centers whole{{0, 0}, 1, infinity, index_list(points_.size())};
-        for (std::size_t i = 0; i < points_.size(); ++i) whole.near[i] = static_cast<std::uint32_t>(i);
-        heap_.push_back(std::move(whole));
         while (!heap_.empty()) {
             std::pop_heap(heap_.begin(), heap_.end());
             square_of_centers s = std::move(heap_.back());
@@ -79,78 +77,72 @@ public:
     }
 
 private:
-    std::vector<xy> const& points_;
     std::vector<square_of_centers> heap_;
     contact_circle best_;
-    std::vector<double> distance_;
+    std::vector<double> squares_;
 
     // Takes the circle if it is the largest so far, encloses its centre and is empty.
-    template <class indexing>
-    void offer(contact_circle const& c, std::size_t n, indexing const& index) {
+    void offer(contact_circle const& c, std::vector<xy> const& near) {
         if (!(c.radius > best_.radius) || largest_angle(c.contact).cosine < least_cosine) return;
         double const least = std::fmax(0.0, c.radius - rounding);
-        for (std::size_t i = 0; i < n; ++i) {
-            xy const d = points_[index(i)] - c.center;
-            if (dot(d, d) < least * least) return;
+        for (xy p : near) {
+            if (dot(p - c.center, p - c.center) < least * least) return;
         }
         best_ = c;
     }
-    void offer(contact_circle const& c, index_list const& near) {
-        offer(c, near.size(), [&near](std::size_t i) { return near[i]; });
-    }
 
-    void examine(square_of_centers& s) {
+    void examine(square_of_centers const& s) {
         double const h = s.half_diagonal();
+        std::vector<xy> const& candidates = *s.near;
         double least = infinity;
-        distance_.resize(s.near.size());
-        for (std::size_t i = 0; i < s.near.size(); ++i) {
-            distance_[i] = length(points_[s.near[i]] - s.middle);
-            least = std::min(least, distance_[i]);
+        squares_.resize(candidates.size());
+        for (std::size_t i = 0; i < candidates.size(); ++i) {
+            squares_[i] = dot(candidates[i] - s.middle, candidates[i] - s.middle);
+            least = std::min(least, squares_[i]);
         }
+        least = std::sqrt(least);
         if (least + h <= best_.radius + rounding) return;
-        std::size_t kept = 0;
-        for (std::size_t i = 0; i < s.near.size(); ++i) {
-            if (distance_[i] <= least + 2 * h + rounding) s.near[kept++] = s.near[i];
+        double const most = sqr(least + 2 * h + rounding);
+        auto const kept = std::make_shared<std::vector<xy>>();
+        for (std::size_t i = 0; i < candidates.size(); ++i) {
+            if (squares_[i] <= most) kept->push_back(candidates[i]);
         }
-        s.near.resize(kept);
-        if (!may_enclose(s, h)) return;
-        if (kept <= few) return try_all(s);
-        if (h < rounding) return try_enclosing(s);
+        if (!may_enclose(s.middle, h, *kept)) return;
+        if (kept->size() <= few) return try_all(s, *kept);
+        if (h < rounding) return try_enclosing(s.middle, *kept);
         for (int k = 0; k < 4; ++k) {
             double const q = s.half / 2;
             xy const middle = s.middle + xy{k & 1 ? q : -q, k & 2 ? q : -q};
-            heap_.push_back({middle, q, least + h, s.near});
+            heap_.push_back({middle, q, least + h, kept});
             std::push_heap(heap_.begin(), heap_.end());
         }
     }
 
-    // False when some direction has every near point ahead of every centre in the square.
-    bool may_enclose(square_of_centers const& s, double h) const {
-        if (s.near.size() < 3) return false;
-        xy const start = points_[s.near[0]] - s.middle;
-        cone directions{start, start};
-        for (std::uint32_t i : s.near) {
-            directions.widen(points_[i] - s.middle);
+    // False when some direction has every near point ahead of every centre within h of the middle.
+    static bool may_enclose(xy middle, double h, std::vector<xy> const& near) {
+        if (near.size() < 3) return false;
+        cone directions{near[0] - middle, near[0] - middle};
+        for (xy p : near) {
+            directions.widen(p - middle);
             if (!directions.is_pointed) return true;
         }
         xy const a = directions.first, b = directions.last;
         xy ahead = 1 / length(a) * a + 1 / length(b) * b;
         ahead = 1 / length(ahead) * ahead;
-        for (std::uint32_t i : s.near) {
-            if (!(dot(points_[i] - s.middle, ahead) > h + rounding)) return true;
+        for (xy p : near) {
+            if (!(dot(p - middle, ahead) > h + rounding)) return true;
         }
         return false;
     }
 
-    void try_all(square_of_centers const& s) {
-        for (std::size_t i = 2; i < s.near.size(); ++i) {
+    void try_all(square_of_centers const& s, std::vector<xy> const& near) {
+        for (std::size_t i = 2; i < near.size(); ++i) {
             for (std::size_t j = 1; j < i; ++j) {
                 for (std::size_t k = 0; k < j; ++k) {
-                    contact_circle const c =
-                        circle_through(points_[s.near[i]], points_[s.near[j]], points_[s.near[k]]);
+                    contact_circle const c = circle_through(near[i], near[j], near[k]);
                     xy const off = c.center - s.middle;
                     // The near points are all that count only about centres in the square.
-                    if (std::fmax(std::fabs(off.x), std::fabs(off.y)) <= s.half + rounding) offer(c, s.near);
+                    if (std::fmax(std::fabs(off.x), std::fabs(off.y)) <= s.half + rounding) offer(c, near);
                 }
             }
         }
@@ -158,15 +150,14 @@ private:
 
     // Many points at one distance, as of a perfect circle: of three that enclose the middle. The last one
     // before and the first one after the point opposite to one of them will do.
-    void try_enclosing(square_of_centers const& s) {
-        std::size_t const starts = std::min<std::size_t>(s.near.size(), 16);
+    void try_enclosing(xy middle, std::vector<xy> const& near) {
+        std::size_t const starts = std::min<std::size_t>(near.size(), 16);
         for (std::size_t k = 0; k < starts; ++k) {
-            std::uint32_t const first = s.near[k];
-            xy const a = points_[first] - s.middle;
+            xy const a = near[k] - middle;
             xy left = a, right = a;
             double left_cosine = 2, right_cosine = 2;
-            for (std::uint32_t i : s.near) {
-                xy const v = points_[i] - s.middle;
+            for (xy p : near) {
+                xy const v = p - middle;
                 double const cosine = dot(a, v) / (length(a) * length(v));
                 bool const is_left = cross(a, v) > 0;
                 double& most = is_left ? left_cosine : right_cosine;
@@ -174,8 +165,8 @@ private:
                 most = cosine;
                 (is_left ? left : right) = v;
             }
-            contact_circle const c = circle_through(points_[first], s.middle + left, s.middle + right);
-            offer(c, s.near);
+            contact_circle const c = circle_through(near[k], middle + left, middle + right);
+            offer(c, near);
             if (best_.contacts == 3 && best_.radius >= c.radius) return;
         }
     }

@@ -106,7 +106,8 @@ std::vector<std::size_t> zone_points::extremes(unsigned int directions) const {
     std::vector<extreme> found(axes);
     for (unsigned int k = 0; k < axes; ++k) {
         double const angle = pi * k / axes;
-        found[k].along = {-std::cos(angle) / 2, -std::sin(angle) / 2, 0};  // the power is the coordinate there
+        found[k].along = {-std::cos(angle) / 2, -std::sin(angle) / 2,
+                          0};  // the power is the coordinate there
     }
     for (std::size_t first = 0; first < count; first += block) {
         for (extreme& e : found) {

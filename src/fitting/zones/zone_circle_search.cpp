@@ -13,7 +13,7 @@ namespace {
 // The powers of points with coordinates up to 1 about the centres in question are rounded by some 1e-16.
 constexpr double rounding = 4e-15;
 constexpr int most_cuts = 24;
-constexpr int most_triangles = 100000;
+constexpr int most_triangles = 500000;
 
 // Shares of the three corners of a triangle, and linear functions by their values there.
 using corners = std::array<double, 3>;
@@ -43,6 +43,17 @@ struct triangle {
     bool operator<(triangle const& other) const { return bound > other.bound; }
 };
 
+// A short list that allocates nothing.
+template <std::size_t capacity>
+struct corner_list {
+    std::array<corners, capacity> items;
+    std::size_t size = 0;
+
+    void add(corners const& c) { items[size++] = c; }
+    corners const* begin() const { return items.data(); }
+    corners const* end() const { return items.data() + size; }
+};
+
 // The minimum over a triangle of the greatest of some linear functions, which come one by one.
 class linear_program {
 public:
@@ -52,12 +63,15 @@ public:
     /// Adds a function that is above `value` at the present minimum: the new one is then where this function
     /// is the greatest. False when rounding leaves no place for that.
     bool add(corners const& f) {
-        polygon_ = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+        polygon_.size = 0;
+        polygon_.add({1, 0, 0});
+        polygon_.add({0, 1, 0});
+        polygon_.add({0, 0, 1});
         for (corners const& other : functions_) {
             clip({f[0] - other[0], f[1] - other[1], f[2] - other[2]});
         }
-        functions_.push_back(f);
-        if (polygon_.empty()) return false;
+        functions_.add(f);
+        if (polygon_.size == 0) return false;
         double least = infinity;
         for (corners const& share : polygon_) {
             double const v = at(f, share);
@@ -70,21 +84,22 @@ public:
     }
 
 private:
-    std::vector<corners> functions_, polygon_, clipped_;
+    corner_list<most_cuts> functions_;
+    corner_list<2 * most_cuts + 4> polygon_, clipped_;  // rounding may bend a polygon more than once
 
     // Keeps the part of the polygon where g is at or above 0.
     void clip(corners const& g) {
-        clipped_.clear();
-        for (std::size_t i = 0; i < polygon_.size(); ++i) {
-            corners const &p = polygon_[i], &q = polygon_[(i + 1) % polygon_.size()];
+        clipped_.size = 0;
+        for (std::size_t i = 0; i < polygon_.size; ++i) {
+            corners const &p = polygon_.items[i], &q = polygon_.items[(i + 1) % polygon_.size];
             double const gp = at(g, p), gq = at(g, q);
-            if (gp >= 0) clipped_.push_back(p);
+            if (clipped_.size + 2 > clipped_.items.size()) break;
+            if (gp >= 0) clipped_.add(p);
             if ((gp >= 0) == (gq >= 0)) continue;
             double const s = gp / (gp - gq);
-            clipped_.push_back(
-                {p[0] + s * (q[0] - p[0]), p[1] + s * (q[1] - p[1]), p[2] + s * (q[2] - p[2])});
+            clipped_.add({p[0] + s * (q[0] - p[0]), p[1] + s * (q[1] - p[1]), p[2] + s * (q[2] - p[2])});
         }
-        polygon_.swap(clipped_);
+        std::swap(polygon_, clipped_);
     }
 };
 
@@ -107,7 +122,8 @@ public:
 #endif
         }
 #ifdef ZC_STATS
-        __builtin_printf("few %zu triangles %d left %zu width %.17g complete %d\n", points_.size(), steps_, heap_.size(), best_.width, complete);
+        __builtin_printf("few %zu triangles %d left %zu width %.17g complete %d\n", points_.size(), steps_,
+                         heap_.size(), best_.width, complete);
 #endif
         ring = best_;
         return complete;
