@@ -9,8 +9,11 @@ inline namespace tvmath {
 namespace {
 
 // Each step ends at another constraint; a few dozen are enough where it ends at all.
-constexpr int most_steps = 500;
+constexpr int most_steps = 100;
 constexpr int most_secants = 100;
+// The cosine between the direction and a gradient below which that gradient depends on the active ones but
+// for rounding: the projector would lose half of its digits to it.
+constexpr double least_cosine = 1e-8;
 
 }  // namespace
 
@@ -116,7 +119,7 @@ Constraint* GradientProjectionMinimizer::find_blocker(vector const& direction, d
     for (Constraint* c : inactive_) {
         vector const gradient = c->gradient(*reference_);
         double const a = dot(gradient, direction);
-        if (!(a < 0.0)) continue;
+        if (!(a < -least_cosine * norm(gradient))) continue;
         double const value = c->value(*reference_) + dot(gradient, moved);
         // On the constraint but below 0 by rounding, as are all points of a perfect circle: it blocks at
         // once.
@@ -166,6 +169,7 @@ bool GradientProjectionMinimizer::activate(Constraint* constraint) {
     n_.redim(k + 1, n.capacity());
     n_.row(k, n);
     p_ -= outer_product(p, p) *= w;
+    if (k + 1 == n.capacity()) p_ = 0.0;  // nothing is left free, not even by rounding
     active_.push_back(constraint);
     inactive_.erase(constraint);
     return true;

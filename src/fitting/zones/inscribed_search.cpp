@@ -44,7 +44,9 @@ struct cone {
 
     void widen(xy v) {
         double const past_first = cross(first, v), past_last = cross(last, v);
-        if (past_first >= 0 && past_last <= 0 && dot(v, first + last) > 0) return;
+        // A single direction has an opposite that passes the test of the sides.
+        bool const between = past_first >= 0 && past_last <= 0;
+        if (between && (cross(first, last) > 0 || dot(first, v) > 0)) return;
         if (past_first > 0 && past_last > 0) {
             last = v;
         } else if (past_first < 0 && past_last < 0) {
