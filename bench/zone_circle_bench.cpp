@@ -6,11 +6,10 @@
 #include "support/bench_name.h"
 #include "support/seeded_points.h"
 
-#if __has_include(<CGAL/Min_sphere_of_spheres_d.h>)
+#ifdef TVMATH_HAS_CGAL
 #include <CGAL/Cartesian.h>
 #include <CGAL/Min_sphere_of_points_d_traits_2.h>
 #include <CGAL/Min_sphere_of_spheres_d.h>
-#define TVMATH_BENCH_CGAL
 #endif
 
 inline namespace tvmath {
@@ -53,7 +52,7 @@ void one_pass(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-#ifdef TVMATH_BENCH_CGAL
+#ifdef TVMATH_HAS_CGAL
 // From its own points, so that no conversion is counted.
 template <std::vector<point> (*make)(std::int64_t)>
 void cgal_circle(benchmark::State& state) {
@@ -80,7 +79,7 @@ int const registered = [] {
     register_sizes("circumscribed_circle", "tvmath", run<minimum_circumscribed_circle, rippled_circle>,
                    sizes);
     register_sizes("circumscribed_disc", "tvmath", run<minimum_circumscribed_circle, filled_disc>, sizes);
-#ifdef TVMATH_BENCH_CGAL
+#ifdef TVMATH_HAS_CGAL
     register_sizes("circumscribed_circle", "cgal", cgal_circle<rippled_circle>, sizes);
     register_sizes("circumscribed_disc", "cgal", cgal_circle<filled_disc>, sizes);
 #endif

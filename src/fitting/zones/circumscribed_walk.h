@@ -47,7 +47,7 @@ private:
 /// A vertex dropped at an obtuse angle is not looked at again, so the circle may leave out such a point:
 /// the caller has to test it. A single place, repeated or not, gives no contacts.
 ///
-/// Source: the dual of G. Chrystal, On the problem to construct the minimum circle enclosing n given points,
+/// Source: G. Chrystal, On the problem to construct the minimum circle enclosing n given points,
 /// Proc. Edinburgh Math. Soc. 3 (1885) 30-33.
 contact_circle circumscribed_walk(std::vector<xy> const& points);
 

@@ -7,7 +7,8 @@
 inline namespace tvmath {
 
 /// The largest circle with none of the points inside and its centre enclosed by three of them, to 1e-14;
-/// the points' coordinates are at most 1. None when no three points enclose the centre of an empty circle.
+/// the points' coordinates are at most 1. None when no three points enclose the centre of an empty circle,
+/// and when the search takes too long.
 ///
 /// Branch and bound over squares of centres. With the nearest point at a distance d from the middle of a
 /// square of half diagonal h, no circle about a centre in the square has a radius above d + h, and it can

@@ -13,7 +13,6 @@ namespace {
 // The powers of points with coordinates up to 1 about the centres in question are rounded by some 1e-16.
 constexpr double rounding = 4e-15;
 constexpr int most_cuts = 24;
-constexpr int most_triangles = 500000;
 
 // Shares of the three corners of a triangle, and linear functions by their values there.
 using corners = std::array<double, 3>;
@@ -108,34 +107,24 @@ public:
     search(std::vector<xy> const& points, zone_center const& start)
         : points_(points), best_(ring_about(start, points)) {}
 
-    bool run(zone_ring& ring) {
+    bool run(int& budget, zone_ring& ring) {
         cover_plane();
-        bool complete = true;
-        for (int k = 0; complete && !heap_.empty(); ++k) {
+        while (!heap_.empty() && budget > 0) {
             std::pop_heap(heap_.begin(), heap_.end());
             triangle const t = std::move(heap_.back());
             heap_.pop_back();
             divide(t);
-            complete = k < most_triangles;
-#ifdef ZC_STATS
-            steps_ = k;
-#endif
+            --budget;
         }
-#ifdef ZC_STATS
-        __builtin_printf("few %zu triangles %d left %zu width %.17g complete %d\n", points_.size(), steps_,
-                         heap_.size(), best_.width, complete);
-#endif
+        --budget;  // a call that divides nothing counts too
         ring = best_;
-        return complete;
+        return heap_.empty();
     }
 
 private:
     std::vector<xy> const& points_;
     std::vector<triangle> heap_;
     zone_ring best_;
-#ifdef ZC_STATS
-    int steps_ = 0;
-#endif
 
     // Centres up to 2 each way, and (+-2, s) / t and (s, +-2) / t for t from 1 to 0.
     void cover_plane() {
@@ -251,8 +240,8 @@ zone_ring ring_about(zone_center const& c, std::vector<xy> const& points) {
     return {c, range.ring_width(c)};
 }
 
-bool narrowest_ring(std::vector<xy> const& points, zone_center const& start, zone_ring& ring) {
-    return search(points, start).run(ring);
+bool narrowest_ring(std::vector<xy> const& points, zone_center const& start, int& budget, zone_ring& ring) {
+    return search(points, start).run(budget, ring);
 }
 
 }  // namespace tvmath

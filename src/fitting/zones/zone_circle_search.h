@@ -16,8 +16,8 @@ struct zone_ring {
 /// some 1e-15. The points' coordinates are at most 1. A centre with t = 0 tells that the width has no
 /// minimum, but falls to that of a strip between two parallel lines. `start` is a centre to begin with.
 ///
-/// False when the search had to be given up after too many steps: then the ring is one that holds the points,
-/// not known to be the narrowest.
+/// `budget` is the number of triangles that may be divided, and becomes what is left of it. False when it is
+/// used up: then the ring is one that holds the points, not known to be the narrowest.
 ///
 /// Branch and bound over triangles of homogeneous centres y = (u, v, t), of which ten cover the plane, its
 /// far parts included. With R and r the distances of the farthest and the nearest point and
@@ -33,7 +33,7 @@ struct zone_ring {
 /// Cutting planes: J. E. Kelley, J. SIAM 8 (1960) 703-712. Other ways to the global optimum: the overlay of
 /// the nearest- and the farthest-point Voronoi diagram, H. Ebara et al., Roundness algorithms using the
 /// Voronoi diagrams, 1st Canadian Conf. Comput. Geom. (1989).
-bool narrowest_ring(std::vector<xy> const& points, zone_center const& start, zone_ring& ring);
+bool narrowest_ring(std::vector<xy> const& points, zone_center const& start, int& budget, zone_ring& ring);
 
 /// The ring about `c` that holds the points.
 zone_ring ring_about(zone_center const& c, std::vector<xy> const& points);
