@@ -55,3 +55,4 @@
 #include "tvmath/vector.h"
 #include "tvmath/version.h"
 #include "tvmath/wide_string.h"
+#include "tvmath/zone_circle.h"

@@ -24,7 +24,7 @@ inline namespace tvmath {
 ///
 /// Null where rings about ever farther centres get ever narrower without end: then the points are better
 /// described by two parallel lines, as points on a line are. Null too where the proof would take more than
-/// about a second, as for a filled cloud of 1e5 points; a form that resembles a ring takes a millisecond.
+/// some seconds, as for a filled cloud of 1e5 points; a form that resembles a ring takes a millisecond.
 ///
 /// Source: constrained minimisation by gradient projection, J. B. Rosen, J. SIAM 8 (1960) 181-217, from the
 /// least-squares circle; the certificate is a search by branch and bound of the centre over the whole plane,
@@ -41,12 +41,11 @@ TVMATH_API circle minimum_zone_circle(std::vector<point> const& points);
 /// not count. Points on a smooth arc of less than a half circle, or at the corners of an obtuse triangle,
 /// enclose no centre: null; scatter about such an arc encloses tiny circles. Of points on a line the circle
 /// stands on the largest gap between neighbours, of the first one along the line of equals. Null for fewer
-/// than 3 points and for fewer than 3 different places. 3D, at the mean z, when all points are 3D. Null too
-/// where the proof would take more than some ten seconds, as between the turns of a spiral of 1e5 points; the
-/// contour of a hole of as many takes a millisecond.
+/// than 3 points and for fewer than 3 different places. 3D, at the mean z, when all points are 3D. Takes time
+/// n log n, and for the contour of a hole little more than a pass over the points.
 ///
-/// Source: the largest acute triangle of the Delaunay triangulation, found by a walk over contacts and
-/// certified by branch and bound; M. I. Shamos, D. Hoey, Closest-point problems, FOCS 1975, 151-162.
+/// Source: the largest triangle of the Delaunay triangulation without an obtuse angle; M. I. Shamos, D. Hoey,
+/// Closest-point problems, FOCS 1975, 151-162.
 TVMATH_API circle maximum_inscribed_circle(std::vector<point> const& points);
 
 /// The smallest circle that holds all points (MCC). One place however often repeated gives a circle of radius
