@@ -1,0 +1,44 @@
+#pragma once
+
+#include "geometry/xyz.h"
+
+inline namespace tvmath {
+
+// On which side a point lies: exact for all coordinates, whatever they cancel, as long as products of three
+// differences neither overflow nor underflow. `zone_points` scales a list so that they do not.
+//
+// The determinant is taken in plain doubles first and believed when it exceeds its error bound; what is
+// nearer to 0 is worked out without error as a sum of doubles that do not overlap. Source: J. R. Shewchuk,
+// Adaptive precision floating-point arithmetic and fast robust geometric predicates, Discrete & Computational
+// Geometry 18 (1997) 305-363.
+
+/// The sign of (b - a) x (d - c) in XY: 1 when the second vector turns anticlockwise from the first.
+int turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d);
+
+/// 1 when a, b, c turn anticlockwise in XY, -1 when clockwise, 0 when they lie on one line.
+inline int orientation_xy(xyz const& a, xyz const& b, xyz const& c) {
+    return turn_xy(a, b, a, c);
+}
+
+/// 1 when `p` lies on the side of (b - a) x (c - a) of the plane through a, b and c, from where these turn
+/// anticlockwise; -1 on the other side; 0 on the plane, and when a, b, c lie on one line.
+int orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p);
+
+/// True when the three points lie on one line.
+bool are_collinear(xyz const& a, xyz const& b, xyz const& c);
+
+/// a b - c d with a relative error of at most 1.5 units in the last place, however the products cancel.
+/// Source: C.-P. Jeannerod, N. Louvet, J.-M. Muller, Further analysis of Kahan's algorithm for the accurate
+/// computation of 2 x 2 determinants, Math. Comp. 82 (2013) 2245-2264.
+inline double difference_of_products(double a, double b, double c, double d) {
+    double const cd = c * d, error = std::fma(-c, d, cd);
+    return std::fma(a, b, -cd) + error;
+}
+
+/// The vector product with components as exact as those of its factors allow: the normal of a needle.
+inline xyz exact_cross(xyz const& a, xyz const& b) {
+    return {difference_of_products(a.y, b.z, a.z, b.y), difference_of_products(a.z, b.x, a.x, b.z),
+            difference_of_products(a.x, b.y, a.y, b.x)};
+}
+
+}  // namespace tvmath
