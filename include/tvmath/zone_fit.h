@@ -80,15 +80,16 @@ TVMATH_API plane plane_parallel_centered(plane p, point center);
 /// Null for fewer than 3 points, for points that lie on one line as seen along Z, for a list with a point
 /// that is not 3D, and after more than n squared exchanges, which is a bound that no list is known to reach.
 ///
-/// Source: the dual simplex method on the linear programme of the lowest plane above the points, of the height
-/// over the centroid; ties by H. Edelsbrunner, E. P. Muecke, Simulation of simplicity, ACM TOG 9 (1990) 66-104.
+/// Source: the dual simplex method on the linear programme of the lowest plane above the points, of the
+/// height over the centroid; ties by H. Edelsbrunner, E. P. Muecke, Simulation of simplicity, ACM TOG 9
+/// (1990) 66-104.
 TVMATH_API plane seating_plane_fit(idioms::array<point> points, bool flag, idioms::array<point>& contacts);
 
 /// The smallest sphere that holds all the points; 2D points among 3D ones lie in z = 0.
 ///
-/// Returns true and sets `center`, a 3D location, and `radius`, the largest distance from it to one of the
-/// two to four points that hold the sphere, 0.0 for equal points. Every point lies within it to some roundings
-/// of the extent, however many lie on it. Returns false, outputs untouched, for a list without a 3D point.
+/// Returns true and sets `center`, a 3D location, and `radius`, its distance from the farthest points, two to
+/// four of which hold the sphere; 0.0 for equal points. Returns false, outputs untouched, for a list without
+/// a 3D point.
 ///
 /// Source: B. Gaertner, Fast and robust smallest enclosing balls, ESA 1999, LNCS 1643, 325-338 (pivoting);
 /// K. Fischer, B. Gaertner, M. Kutz, Fast smallest-enclosing-ball computation in high dimensions, ESA 2003,

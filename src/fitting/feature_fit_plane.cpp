@@ -2,10 +2,10 @@
 #include <cmath>
 #include <span>
 
-#include "point_span.h"
 #include "geometry/xyz.h"
 #include "plane_from_normal.h"
 #include "point_lists.h"
+#include "point_span.h"
 #include "tvmath/feature_fit.h"
 #include "tvmath/matrix.h"
 #include "tvmath/quick_fit.h"

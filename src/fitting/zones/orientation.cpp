@@ -13,9 +13,7 @@ constexpr double rounding = 0x1p-53;
 class exact_sum {
 public:
     exact_sum() {}  // leaves the terms as they are: most sums have few
-    exact_sum(exact_sum const& other) : size_(other.size_) {
-        std::copy_n(other.terms_, size_, terms_);
-    }
+    exact_sum(exact_sum const& other) : size_(other.size_) { std::copy_n(other.terms_, size_, terms_); }
     exact_sum& operator=(exact_sum const& other) {
         size_ = other.size_;
         std::copy_n(other.terms_, size_, terms_);
@@ -43,8 +41,8 @@ public:
         exact_sum s;
         double sum = 0;
         for (int i = 0, j = 0; i < size_ || j < other.size_;) {
-            bool const mine = j == other.size_ ||
-                              (i < size_ && std::fabs(terms_[i]) < std::fabs(other.terms_[j]));
+            bool const mine =
+                j == other.size_ || (i < size_ && std::fabs(terms_[i]) < std::fabs(other.terms_[j]));
             double const next = mine ? terms_[i++] : other.terms_[j++];
             sum = s.append_error_of(sum, next);
         }
@@ -56,7 +54,8 @@ public:
     // Every product of terms is a double and its error.
     exact_sum operator*(exact_sum const& other) const {
         exact_sum s;
-        for (int j = 0; j < other.size_; ++j) s = j == 0 ? scaled(other.terms_[0]) : s + scaled(other.terms_[j]);
+        for (int j = 0; j < other.size_; ++j)
+            s = j == 0 ? scaled(other.terms_[0]) : s + scaled(other.terms_[j]);
         return s;
     }
 
@@ -136,12 +135,13 @@ bool are_collinear(xyz const& a, xyz const& b, xyz const& c) {
 
 int orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p) {
     xyz const u = b - a, v = c - a, d = p - a;
-    double const yz = u.y * v.z, zy = u.z * v.y, zx = u.z * v.x, xz = u.x * v.z, xy = u.x * v.y, yx = u.y * v.x;
+    double const yz = u.y * v.z, zy = u.z * v.y, zx = u.z * v.x, xz = u.x * v.z, xy = u.x * v.y,
+                 yx = u.y * v.x;
     double const determinant = d.x * (yz - zy) + d.y * (zx - xz) + d.z * (xy - yx);
-    double const bound = 8 * rounding *
-                         (std::fabs(d.x) * (std::fabs(yz) + std::fabs(zy)) +
-                          std::fabs(d.y) * (std::fabs(zx) + std::fabs(xz)) +
-                          std::fabs(d.z) * (std::fabs(xy) + std::fabs(yx)));
+    double const bound =
+        8 * rounding *
+        (std::fabs(d.x) * (std::fabs(yz) + std::fabs(zy)) + std::fabs(d.y) * (std::fabs(zx) + std::fabs(xz)) +
+         std::fabs(d.z) * (std::fabs(xy) + std::fabs(yx)));
     if (std::fabs(determinant) > bound) return determinant > 0 ? 1 : -1;
     return (exact_term(along_x, a, b, c, exact_sum::difference(p.x, a.x)) +
             exact_term(along_y, a, b, c, exact_sum::difference(p.y, a.y)) +

@@ -107,8 +107,9 @@ std::vector<unsigned int> planar_hull(std::vector<xyz> const& points) {
     auto const angle = [&](unsigned int i) {
         return std::atan2(points[i].y - centroid.y, points[i].x - centroid.x);
     };
-    std::rotate(corners.begin(), std::min_element(corners.begin(), corners.end(),
-                                                  [&](unsigned int a, unsigned int b) { return angle(a) < angle(b); }),
+    std::rotate(corners.begin(),
+                std::min_element(corners.begin(), corners.end(),
+                                 [&](unsigned int a, unsigned int b) { return angle(a) < angle(b); }),
                 corners.end());
     return corners;
 }

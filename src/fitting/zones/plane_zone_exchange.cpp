@@ -67,8 +67,7 @@ public:
     }
 
     xyz settled_normal() {
-        for (int step = 0; step < step_limit && tilt(); ++step) {
-        }
+        for (int step = 0; step < step_limit && tilt(); ++step) {}
         if (upper_.count + lower_.count < 4) return normal_;
         // The normal once more from the contacts, without the rounding of all the tilts.
         contacts const& more = upper_.count >= lower_.count ? upper_ : lower_;
@@ -162,7 +161,9 @@ private:
         return true;
     }
 
-    static bool is_contact(contacts const& c, unsigned int i) { return std::find(c.at, c.at + c.count, i) != c.at + c.count; }
+    static bool is_contact(contacts const& c, unsigned int i) {
+        return std::find(c.at, c.at + c.count, i) != c.at + c.count;
+    }
 
     std::vector<xyz> const& points_;
     xyz normal_;

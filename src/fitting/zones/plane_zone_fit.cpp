@@ -48,8 +48,8 @@ plane plane_zone_fit(idioms::array<point> points, double& zone) {
     zone_points const scaled = zone_points_of(span_of(points));
     if (scaled.at.empty()) return plane();
     xyz const normal = zone_normal(xyz(start.normal()), scaled.at);
-    return plane_in_middle(start.basis(0), normal, span_of(points), smallest_plane_extent, smallest_plane_extent,
-                           zone);
+    return plane_in_middle(start.basis(0), normal, span_of(points), smallest_plane_extent,
+                           smallest_plane_extent, zone);
 }
 
 plane plane_zone_fit(idioms::array<point> points) {

@@ -66,7 +66,8 @@ private:
         for (auto const& f : hull_.faces) {
             for (index const c : f.corner) ++first_neighbour_[c + 1];
         }
-        for (std::size_t i = 1; i < first_neighbour_.size(); ++i) first_neighbour_[i] += first_neighbour_[i - 1];
+        for (std::size_t i = 1; i < first_neighbour_.size(); ++i)
+            first_neighbour_[i] += first_neighbour_[i - 1];
         std::vector<std::size_t> next(first_neighbour_.begin(), first_neighbour_.end() - 1);
         neighbours_.resize(first_neighbour_.back());
         for (auto const& f : hull_.faces) {

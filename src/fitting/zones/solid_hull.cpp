@@ -121,8 +121,8 @@ private:
         f.normal = cross(u, v);
         // The bound of `orientation` for the farthest point that there can be.
         f.certain = 0x1p-50 * extent_ *
-                    (std::fabs(u.y * v.z) + std::fabs(u.z * v.y) + std::fabs(u.z * v.x) + std::fabs(u.x * v.z) +
-                     std::fabs(u.x * v.y) + std::fabs(u.y * v.x));
+                    (std::fabs(u.y * v.z) + std::fabs(u.z * v.y) + std::fabs(u.z * v.x) +
+                     std::fabs(u.x * v.z) + std::fabs(u.x * v.y) + std::fabs(u.y * v.x));
         if (free_.empty()) {
             faces_.push_back(f);
             return static_cast<index>(faces_.size() - 1);
