@@ -45,6 +45,12 @@ bool all_3d(point_span points) {
     return std::all_of(points.begin(), points.end(), [](point const& p) { return p.is_3d(); });
 }
 
+// Null where the line's middle or length is too large a number.
+line finite_line(point const& start, point const& end) {
+    bool const fits = xyz(start + end).is_finite() && xyz(end - start).is_finite();
+    return fits ? line(start, end) : line();
+}
+
 // The middle line of the strip, as long as the points reach along it, at their mean z.
 line middle_line(strip const& s, zone_points const& points, bool solid) {
     xyz middle = s.a + 0.25 * (s.b - s.a) + 0.5 * (s.c - s.a);
@@ -59,8 +65,7 @@ line middle_line(strip const& s, zone_points const& points, bool solid) {
     }
     middle.z = points.at[0].z + z / static_cast<double>(points.at.size());
     xyz const start = points.unit * (middle + along.low * u), end = points.unit * (middle + along.high * u);
-    xyz const sum = start + end;  // which the line's constructor takes, and which may be too large for it
-    return sum.is_finite() ? line(start.location(solid), end.location(solid)) : line();
+    return finite_line(start.location(solid), end.location(solid));
 }
 
 }  // namespace
@@ -74,11 +79,12 @@ line line_zone_fit(std::vector<point> const& points, double& zone) {
         point first = points[0], second = points[1];
         first.to_location();
         second.to_location();
-        return xyz(first + second).is_finite() ? line(first, second) : line();
+        return finite_line(first, second);
     }
     strip const best = narrowest_strip(scaled.at);
-    line const result = middle_line(best, scaled, all_3d(points));
-    if (!result.is_trivial()) zone = scaled.unit * best.width;
+    double const width = scaled.unit * best.width;
+    line const result = std::isfinite(width) ? middle_line(best, scaled, all_3d(points)) : line();
+    if (!result.is_trivial()) zone = width;
     return result;
 }
 
