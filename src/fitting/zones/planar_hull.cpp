@@ -1,6 +1,7 @@
 #include "planar_hull.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "orientation.h"
 
@@ -34,8 +35,7 @@ public:
         if (!comes_before(points_[left], points_[right])) return {left};
         outside_.resize(n);
         for (unsigned int i = 0; i < n; ++i) outside_[i] = i;
-        std::size_t const lower = move_outside_to_front(left, right, 0, n);
-        std::size_t const upper = move_outside_to_front(right, left, lower, n);
+        auto const [lower, upper] = split({left, left, 0, n}, right);
         follow({left, right, 0, lower});
         follow({right, left, lower, upper});
         return corners_;
@@ -46,13 +46,22 @@ private:
         return orientation_xy(points_[first], points_[last], points_[p]) < 0;
     }
 
-    // Those of the list that lie outside of the edge are moved to its front; the end of that part.
-    std::size_t move_outside_to_front(unsigned int first, unsigned int last, std::size_t begin,
-                                      std::size_t end) {
-        auto const from = outside_.begin() + static_cast<std::ptrdiff_t>(begin);
-        auto const middle = std::partition(from, outside_.begin() + static_cast<std::ptrdiff_t>(end),
-                                           [&](unsigned int p) { return is_outside(p, first, last); });
-        return static_cast<std::size_t>(middle - outside_.begin());
+    // Keeps of the chain's points those outside of the edge from its first corner to the new one, and behind
+    // them those outside of the edge from there to its last; returns where each of these parts ends. All stay
+    // in the order of the list, so that the memory is read forwards.
+    std::pair<std::size_t, std::size_t> split(open_chain const& c, unsigned int corner) {
+        std::size_t end = c.begin;
+        far_.clear();
+        for (std::size_t i = c.begin; i < c.end; ++i) {
+            unsigned int const p = outside_[i];
+            if (is_outside(p, c.first, corner)) {
+                outside_[end++] = p;
+            } else if (is_outside(p, corner, c.last)) {
+                far_.push_back(p);
+            }
+        }
+        std::copy(far_.begin(), far_.end(), outside_.begin() + static_cast<std::ptrdiff_t>(end));
+        return {end, end + far_.size()};
     }
 
     // The point farthest from the edge; of several at one distance, which lie on a parallel to it, the one at
@@ -81,15 +90,14 @@ private:
                 continue;
             }
             unsigned int const corner = farthest(c);
-            std::size_t const near = move_outside_to_front(c.first, corner, c.begin, c.end);
-            std::size_t const far = move_outside_to_front(corner, c.last, near, c.end);
+            auto const [near, far] = split(c, corner);
             open.push_back({corner, c.last, near, far});
             open.push_back({c.first, corner, c.begin, near});
         }
     }
 
     std::vector<xyz> const& points_;
-    indices outside_, corners_;
+    indices outside_, far_, corners_;
 };
 
 xyz centroid_of(std::vector<xyz> const& points) {
