@@ -118,13 +118,6 @@ exact_sum exact_determinant(planar a, planar b, planar c, planar d) {
            exact_sum::difference(b.y, a.y) * exact_sum::difference(d.x, c.x);
 }
 
-int turn(planar a, planar b, planar c, planar d) {
-    double const left = (b.x - a.x) * (d.y - c.y), right = (b.y - a.y) * (d.x - c.x);
-    double const determinant = left - right, bound = 4 * rounding * (std::fabs(left) + std::fabs(right));
-    if (std::fabs(determinant) > bound) return determinant > 0 ? 1 : -1;
-    return exact_determinant(a, b, c, d).sign();
-}
-
 planar along_z(xyz const& a) {
     return {a.x, a.y};
 }
@@ -137,7 +130,7 @@ planar along_y(xyz const& a) {
 
 template <class view>
 bool are_collinear_in(view seen, xyz const& a, xyz const& b, xyz const& c) {
-    return turn(seen(a), seen(b), seen(a), seen(c)) == 0;
+    return exact_determinant(seen(a), seen(b), seen(a), seen(c)).sign() == 0;
 }
 
 // One component of (b - a) x (c - a), times (p - a) along it.
@@ -158,8 +151,8 @@ double twofold_orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& 
 
 }  // namespace
 
-int turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d) {
-    return turn(along_z(a), along_z(b), along_z(c), along_z(d));
+int exact_turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d) {
+    return exact_determinant(along_z(a), along_z(b), along_z(c), along_z(d)).sign();
 }
 
 bool are_collinear(xyz const& a, xyz const& b, xyz const& c) {

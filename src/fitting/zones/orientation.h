@@ -12,8 +12,17 @@ inline namespace tvmath {
 // Adaptive precision floating-point arithmetic and fast robust geometric predicates, Discrete & Computational
 // Geometry 18 (1997) 305-363.
 
+/// `turn_xy` without the plain attempt.
+int exact_turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d);
+
 /// The sign of (b - a) x (d - c) in XY: 1 when the second vector turns anticlockwise from the first.
-int turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d);
+inline int turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d) {
+    double const left = (b.x - a.x) * (d.y - c.y), right = (b.y - a.y) * (d.x - c.x);
+    double const determinant = left - right, bound = 0x1p-51 * (std::fabs(left) + std::fabs(right));
+    if (determinant > bound) return 1;
+    if (determinant < -bound) return -1;
+    return exact_turn_xy(a, b, c, d);
+}
 
 /// 1 when a, b, c turn anticlockwise in XY, -1 when clockwise, 0 when they lie on one line.
 inline int orientation_xy(xyz const& a, xyz const& b, xyz const& c) {
