@@ -1,5 +1,8 @@
 #include "plane_zone_width.h"
 
+#include <deque>
+#include <utility>
+
 #include "orientation.h"
 
 inline namespace tvmath {
@@ -13,15 +16,19 @@ using index = unsigned int;
 // pair of corners, and its width, their difference seen along the normal, is least at a corner of the region:
 // at a face, or where an arc crosses a mirrored arc.
 //
-// So each arc is followed from face to face: from the corner that is lowest along the first face's normal a,
-// over all corners v that become the lowest on the way to b,
+// So each arc is followed from face to face,
 //
-//     m(s) = (1 - s) a + s b,       v gives way to its neighbour w where (w - v) . m(s) = 0,
+//     m(s) = (1 - s) a + s b,     0 <= s <= 1.
 //
-// each of which is a crossing of the edge with the edge from v to w. Nothing is missed and little is looked
-// at: a corner v bounds the width from below, at the normal m by (e - v) . m / |m| with e on the edge. That
-// product is linear in s and |m| is at most 1, so where it is not below the least width known at both ends of
-// a stretch, it is not below in between.
+// Most arcs need no more than a look. With e on the edge, every corner v bounds the width from below: along m
+// it is at least (e - v) . m / |m|. The product is linear in s and |m| is convex, so that where it is not
+// below W |m| at both ends of a stretch, W the least width known, it is not below in between. One corner that
+// tells this for one end and one for the other are enough when they also tell it where their products are
+// equal; if not, a corner farther down is asked there, and each part of the stretch has its two.
+//
+// Where there is none, the slab is narrower than W. Then the arc is walked from the lowest corner along a: v
+// gives way to its neighbour w where (w - v) . m(s) = 0, which is the crossing with the arc of the edge from
+// v to w.
 class width_search {
 public:
     width_search(solid_hull const& hull, slab const& known) : hull_(hull), best_(known) {
@@ -34,22 +41,14 @@ public:
     }
 
     slab narrowest() {
-        // Neighbouring faces have neighbouring opposite corners: each face starts from where its neighbour
-        // found one.
-        std::vector<index> opposite(hull_.faces.size(), none), order{0};
-        opposite[0] = 0;
-        for (std::size_t i = 0; i < order.size(); ++i) {
-            index const f = order[i];
-            opposite[f] = opposite_of(f, opposite[f]);
-            for (index const next : hull_.faces[f].across) {
-                if (opposite[next] != none) continue;
-                opposite[next] = opposite[f];
-                order.push_back(next);
-            }
-        }
+        std::vector<index> const opposite = opposites();
         for (index f = 0; f < hull_.faces.size(); ++f) {
             for (unsigned int k = 0; k < 3; ++k) {
-                if (hull_.faces[f].across[k] > f) follow_arc(f, k, opposite[f]);
+                index const beyond = hull_.faces[f].across[k];
+                if (beyond < f) continue;
+                arc const along{at(hull_.faces[f].corner[k]), normals_[f], normals_[beyond]};
+                if (is_wide(along, opposite[f], opposite[beyond])) continue;
+                walk(along, at(hull_.faces[f].corner[(k + 1) % 3]) - along.start, opposite[f]);
             }
         }
         return best_;
@@ -104,10 +103,39 @@ private:
         return v;
     }
 
-    // The corners tell a width too small where rounding hides the lowest one; all of them decide.
+    // Takes the slab with that normal when it is narrower, and goes down from it, so that each of the many
+    // slabs near to a narrow one is not taken in its turn. A descent tells a width too small where rounding
+    // hides the lowest corner from it; all of them decide.
     void try_normal(xyz const& normal) {
         slab const s = slab_along(normal, hull_.corners);
-        if (s.width < bound()) best_ = s;
+        if (!(s.width < bound())) return;
+        slab const lower = exchanged_slab(normal, hull_.corners);
+        best_ = lower.width < s.width ? lower : s;
+    }
+
+    // Of each face the corner that bounds the width along its normal. Faces of nearly one direction have
+    // neighbouring opposite corners, so each face starts from where its neighbour found one, and neighbours
+    // across a blunt edge go first: from the foot of a cone to its side the way leads over the tip, with all
+    // its edges, and is taken once.
+    std::vector<index> opposites() {
+        constexpr double blunt = 0.99;
+        std::vector<index> opposite(hull_.faces.size(), none);
+        std::deque<std::pair<index, index>> waiting{{0, 0}};  // a face and where to start
+        while (!waiting.empty()) {
+            auto const [f, start] = waiting.front();
+            waiting.pop_front();
+            if (opposite[f] != none) continue;
+            opposite[f] = opposite_of(f, start);
+            for (index const next : hull_.faces[f].across) {
+                if (opposite[next] != none) continue;
+                if (dot(normals_[f], normals_[next]) > blunt) {
+                    waiting.emplace_front(next, opposite[f]);
+                } else {
+                    waiting.emplace_back(next, opposite[f]);
+                }
+            }
+        }
+        return opposite;
     }
 
     // A corner that bounds the width along the face's normal; when there is none, the face's slab is tried.
@@ -118,11 +146,42 @@ private:
         return v;
     }
 
-    void follow_arc(index f, unsigned int k, index v) {
-        auto const& face = hull_.faces[f];
-        xyz const &start = at(face.corner[k]), edge = at(face.corner[(k + 1) % 3]) - start;
-        xyz const &a = normals_[f], &b = normals_[face.across[k]];
-        if (dot(start - at(v), b) >= bound() && dot(start - at(v), a) >= bound()) return;
+    // The normals of an edge from one of its faces to the other, and one end of the edge.
+    struct arc {
+        xyz start, a, b;
+        xyz normal(double s) const { return (1 - s) * a + s * b; }
+    };
+
+    // True when corner `v` at the first face, `w` at the second, and others where these do not reach, bound
+    // the width along the arc from below.
+    bool is_wide(arc const& along, index v, index w) {
+        stretches_.assign(1, {0, 1, v, w});
+        while (!stretches_.empty()) {
+            stretch const t = stretches_.back();
+            stretches_.pop_back();
+            auto const excess = [&](index corner, double s) {
+                xyz const m = along.normal(s);
+                return dot(along.start - at(corner), m) - bound() * length(m);
+            };
+            double const v_first = excess(t.v, t.first), v_last = excess(t.v, t.last),
+                         w_first = excess(t.w, t.first), w_last = excess(t.w, t.last);
+            if (v_first < 0 || w_last < 0) return false;
+            if (v_last >= 0 || w_first >= 0) continue;
+            double const fall = v_first - w_first, rise = w_last - v_last;
+            double const s = t.first + (t.last - t.first) * (fall / (fall + rise));
+            if (!(s > t.first && s < t.last)) return false;
+            if (excess(t.v, s) >= 0 || excess(t.w, s) >= 0) continue;
+            xyz const m = along.normal(s);
+            index const lower = descend(along.start, m, t.w, bound() * length(m));
+            if (excess(lower, s) < 0) return false;
+            stretches_.push_back({t.first, s, t.v, lower});
+            stretches_.push_back({s, t.last, lower, t.w});
+        }
+        return true;
+    }
+
+    void walk(arc const& along, xyz const& edge, index v) {
+        auto const& [start, a, b] = along;
         v = descend(start, a, v, infinity);
         while (dot(start - at(v), b) < bound()) {
             // The neighbour that is the first to become lower. Each lies lower along b than the one before.
@@ -138,14 +197,21 @@ private:
             }
             if (next == none) return;
             xyz const crossing = unit(exact_cross(edge, at(next) - at(v)));
-            xyz const outward = dot(crossing, (1 - first) * a + first * b) < 0 ? -1.0 * crossing : crossing;
+            xyz const outward = dot(crossing, along.normal(first)) < 0 ? -1.0 * crossing : crossing;
             if (dot(start - at(v), outward) < bound() && dot(outward, outward) > 0) try_normal(outward);
             v = next;
         }
     }
 
+    // Of an arc, from one s to another, with a corner that bounds the width at each of them.
+    struct stretch {
+        double first, last;
+        index v, w;
+    };
+
     solid_hull const& hull_;
     slab best_;
+    std::vector<stretch> stretches_;
     std::vector<xyz> normals_;
     std::vector<std::size_t> first_neighbour_;
     std::vector<index> neighbours_;
