@@ -31,7 +31,8 @@ using index = unsigned int;
 // v to w.
 class width_search {
 public:
-    width_search(solid_hull const& hull, slab const& known) : hull_(hull), best_(known) {
+    width_search(solid_hull const& hull, slab const& known, bool careful)
+        : hull_(hull), best_(known), careful_(careful) {
         list_neighbours();
         normals_.reserve(hull.faces.size());
         for (auto const& f : hull.faces) {
@@ -103,14 +104,17 @@ private:
         return v;
     }
 
-    // Takes the slab with that normal when it is narrower, and goes down from it, so that each of the many
-    // slabs near to a narrow one is not taken in its turn. A descent tells a width too small where rounding
-    // hides the lowest corner from it; all of them decide.
-    void try_normal(xyz const& normal) {
-        slab const s = slab_along(normal, hull_.corners);
-        if (!(s.width < bound())) return;
-        slab const lower = exchanged_slab(normal, hull_.corners);
-        best_ = lower.width < s.width ? lower : s;
+    // Takes the slab along the normal, of that width as far as the corner tells that a descent ended at. On
+    // solids as flat as the rounding of their coordinates a descent may end too early, and the width is too
+    // small: a careful search asks all corners.
+    void take(xyz const& normal, double width) {
+        if (careful_) {
+            slab const s = slab_along(normal, hull_.corners);
+            if (s.width < bound()) best_ = s;
+        } else {
+            best_.normal = normal;
+            best_.width = width;
+        }
     }
 
     // Of each face the corner that bounds the width along its normal. Faces of nearly one direction have
@@ -138,11 +142,12 @@ private:
         return opposite;
     }
 
-    // A corner that bounds the width along the face's normal; when there is none, the face's slab is tried.
+    // A corner that bounds the width along the face's normal; when there is none, the face's slab is taken.
     index opposite_of(index f, index start) {
         xyz const &normal = normals_[f], &base = at(hull_.faces[f].corner[0]);
         index const v = descend(base, normal, start, bound());
-        if (dot(base - at(v), normal) < bound()) try_normal(normal);
+        double const width = dot(base - at(v), normal);
+        if (width < bound()) take(normal, width);
         return v;
     }
 
@@ -198,7 +203,8 @@ private:
             if (next == none) return;
             xyz const crossing = unit(exact_cross(edge, at(next) - at(v)));
             xyz const outward = dot(crossing, along.normal(first)) < 0 ? -1.0 * crossing : crossing;
-            if (dot(start - at(v), outward) < bound() && dot(outward, outward) > 0) try_normal(outward);
+            double const width = dot(start - at(v), outward);
+            if (width < bound() && dot(outward, outward) > 0) take(outward, width);
             v = next;
         }
     }
@@ -211,6 +217,7 @@ private:
 
     solid_hull const& hull_;
     slab best_;
+    bool careful_;
     std::vector<stretch> stretches_;
     std::vector<xyz> normals_;
     std::vector<std::size_t> first_neighbour_;
@@ -220,7 +227,11 @@ private:
 }  // namespace
 
 slab narrowest_slab(solid_hull const& hull, slab const& known) {
-    return width_search(hull, known).narrowest();
+    slab const quick = width_search(hull, known, false).narrowest();
+    if (quick.width == known.width) return known;
+    slab const found = slab_along(quick.normal, hull.corners);
+    double const rounding = 0x1p-48 * length(hull.corners[found.upper] - hull.corners[found.lower]);
+    return found.width <= quick.width + rounding ? found : width_search(hull, known, true).narrowest();
 }
 
 }  // namespace tvmath
