@@ -14,12 +14,11 @@ struct strip {
     double width = infinity;
 };
 
-// The distance of c from the line through a and b, as exact as the differences are. 0 for equal a and b,
-// which are all there is of a list of equal points.
+// The distance of c from the line through a and b; 0 for equal a and b, which are all there is of a list of
+// equal points.
 double distance_from_line(xyz const& a, xyz const& b, xyz const& c) {
-    xyz const along = b - a, to = c - a;
-    double const length = std::hypot(along.x, along.y);
-    return length == 0.0 ? 0.0 : difference_of_products(along.x, to.y, along.y, to.x) / length;
+    double const length = std::hypot(b.x - a.x, b.y - a.y);
+    return length == 0.0 ? 0.0 : exact_cross(a, b, a, c).z / length;
 }
 
 // The narrowest strip of a convex polygon has a side on an edge: between two edges its width is that of two

@@ -139,14 +139,20 @@ exact_sum exact_term(view seen, xyz const& a, xyz const& b, xyz const& c, exact_
     return exact_determinant(seen(a), seen(b), seen(a), seen(c)) * along;
 }
 
-double twofold_orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p) {
-    twofold const ux = twofold::difference(b.x, a.x), uy = twofold::difference(b.y, a.y),
-                  uz = twofold::difference(b.z, a.z), vx = twofold::difference(c.x, a.x),
-                  vy = twofold::difference(c.y, a.y), vz = twofold::difference(c.z, a.z);
-    return (twofold::difference(p.x, a.x) * (uy * vz - uz * vy) +
-            twofold::difference(p.y, a.y) * (uz * vx - ux * vz) +
-            twofold::difference(p.z, a.z) * (ux * vy - uy * vx))
-        .high;
+struct twofold_vector {
+    twofold x, y, z;
+
+    static twofold_vector difference(xyz const& a, xyz const& b) {
+        return {twofold::difference(a.x, b.x), twofold::difference(a.y, b.y), twofold::difference(a.z, b.z)};
+    }
+};
+
+twofold dot(twofold_vector const& a, twofold_vector const& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+twofold_vector cross(twofold_vector const& a, twofold_vector const& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
 }  // namespace
@@ -169,12 +175,18 @@ int orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p) {
                          std::fabs(d.y) * (std::fabs(zx) + std::fabs(xz)) +
                          std::fabs(d.z) * (std::fabs(xy) + std::fabs(yx));
     if (std::fabs(determinant) > 8 * rounding * terms) return determinant > 0 ? 1 : -1;
-    double const closer = twofold_orientation(a, b, c, p);
+    twofold_vector const normal = cross(twofold_vector::difference(b, a), twofold_vector::difference(c, a));
+    double const closer = dot(normal, twofold_vector::difference(p, a)).high;
     if (std::fabs(closer) > 0x1p-97 * terms) return closer > 0 ? 1 : -1;
     return (exact_term(along_x, a, b, c, exact_sum::difference(p.x, a.x)) +
             exact_term(along_y, a, b, c, exact_sum::difference(p.y, a.y)) +
             exact_term(along_z, a, b, c, exact_sum::difference(p.z, a.z)))
         .sign();
+}
+
+xyz exact_cross(xyz const& a, xyz const& b, xyz const& c, xyz const& d) {
+    twofold_vector const n = cross(twofold_vector::difference(b, a), twofold_vector::difference(d, c));
+    return {n.x.high, n.y.high, n.z.high};
 }
 
 }  // namespace tvmath

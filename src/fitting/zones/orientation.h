@@ -36,18 +36,8 @@ int orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p);
 /// True when the three points lie on one line.
 bool are_collinear(xyz const& a, xyz const& b, xyz const& c);
 
-/// a b - c d with a relative error of at most 1.5 units in the last place, however the products cancel.
-/// Source: C.-P. Jeannerod, N. Louvet, J.-M. Muller, Further analysis of Kahan's algorithm for the accurate
-/// computation of 2 x 2 determinants, Math. Comp. 82 (2013) 2245-2264.
-inline double difference_of_products(double a, double b, double c, double d) {
-    double const cd = c * d, error = std::fma(-c, d, cd);
-    return std::fma(a, b, -cd) + error;
-}
-
-/// The vector product with components as exact as those of its factors allow: the normal of a needle.
-inline xyz exact_cross(xyz const& a, xyz const& b) {
-    return {difference_of_products(a.y, b.z, a.z, b.y), difference_of_products(a.z, b.x, a.x, b.z),
-            difference_of_products(a.x, b.y, a.y, b.x)};
-}
+/// (b - a) x (d - c), correctly rounded or nearly so however its terms cancel: the normal of a needle. Zero
+/// when the differences are parallel.
+xyz exact_cross(xyz const& a, xyz const& b, xyz const& c, xyz const& d);
 
 }  // namespace tvmath

@@ -72,10 +72,10 @@ public:
         // The normal once more from the contacts, without the rounding of all the tilts.
         contacts const& more = upper_.count >= lower_.count ? upper_ : lower_;
         contacts const& less = upper_.count >= lower_.count ? lower_ : upper_;
-        xyz const edge = points_[more.at[1]] - points_[more.at[0]];
-        xyz const other = more.count == 3 ? points_[more.at[2]] - points_[more.at[0]]
-                                          : points_[less.at[1]] - points_[less.at[0]];
-        xyz const exact = unit(exact_cross(edge, other));
+        auto const& second = more.count == 3 ? more : less;
+        xyz const exact = unit(exact_cross(points_[more.at[0]], points_[more.at[1]], points_[second.at[0]],
+                                           points_[second.at[second.count - 1]]));
+        if (!(dot(exact, exact) > 0)) return normal_;  // of two parallel edges
         return dot(exact, normal_) < 0 ? -1.0 * exact : exact;
     }
 

@@ -36,7 +36,7 @@ plane plane_in_middle(point const& origin, xyz const& normal, point_span points,
 xyz zone_normal(xyz const& start, std::vector<xyz> const& points) {
     solid_hull const hull = solid_hull_of(points);
     auto const& c = hull.corners;
-    if (hull.is_flat()) return c.size() == 3 ? unit(exact_cross(c[1] - c[0], c[2] - c[0])) : xyz();
+    if (hull.is_flat()) return c.size() == 3 ? unit(exact_cross(c[0], c[1], c[0], c[2])) : xyz();
     return narrowest_slab(hull, exchanged_slab(start, c)).normal;
 }
 

@@ -37,7 +37,7 @@ public:
         normals_.reserve(hull.faces.size());
         for (auto const& f : hull.faces) {
             xyz const &a = at(f.corner[0]), &b = at(f.corner[1]), &c = at(f.corner[2]);
-            normals_.push_back(unit(exact_cross(b - a, c - a)));
+            normals_.push_back(unit(exact_cross(a, b, a, c)));
         }
     }
 
@@ -47,9 +47,10 @@ public:
             for (unsigned int k = 0; k < 3; ++k) {
                 index const beyond = hull_.faces[f].across[k];
                 if (beyond < f) continue;
-                arc const along{at(hull_.faces[f].corner[k]), normals_[f], normals_[beyond]};
+                auto const& corner = hull_.faces[f].corner;
+                arc const along{at(corner[k]), at(corner[(k + 1) % 3]), normals_[f], normals_[beyond]};
                 if (is_wide(along, opposite[f], opposite[beyond])) continue;
-                walk(along, at(hull_.faces[f].corner[(k + 1) % 3]) - along.start, opposite[f]);
+                walk(along, opposite[f]);
             }
         }
         return best_;
@@ -147,13 +148,13 @@ private:
         xyz const &normal = normals_[f], &base = at(hull_.faces[f].corner[0]);
         index const v = descend(base, normal, start, bound());
         double const width = dot(base - at(v), normal);
-        if (width < bound()) take(normal, width);
+        if (width < bound() && dot(normal, normal) > 0) take(normal, width);
         return v;
     }
 
-    // The normals of an edge from one of its faces to the other, and one end of the edge.
+    // An edge, and the normals from one of its faces to the other.
     struct arc {
-        xyz start, a, b;
+        xyz start, end, a, b;
         xyz normal(double s) const { return (1 - s) * a + s * b; }
     };
 
@@ -185,8 +186,8 @@ private:
         return true;
     }
 
-    void walk(arc const& along, xyz const& edge, index v) {
-        auto const& [start, a, b] = along;
+    void walk(arc const& along, index v) {
+        auto const& [start, end, a, b] = along;
         v = descend(start, a, v, infinity);
         while (dot(start - at(v), b) < bound()) {
             // The neighbour that is the first to become lower. Each lies lower along b than the one before.
@@ -201,7 +202,7 @@ private:
                 next = neighbours_[i];
             }
             if (next == none) return;
-            xyz const crossing = unit(exact_cross(edge, at(next) - at(v)));
+            xyz const crossing = unit(exact_cross(start, end, at(v), at(next)));
             xyz const outward = dot(crossing, along.normal(first)) < 0 ? -1.0 * crossing : crossing;
             double const width = dot(start - at(v), outward);
             if (width < bound() && dot(outward, outward) > 0) take(outward, width);

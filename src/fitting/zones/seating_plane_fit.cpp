@@ -78,7 +78,7 @@ private:
     std::optional<index> farthest_above() const {
         constexpr double term_rounding = 2.220446049250313e-16;
         xyz const &a = points_[contact_[0]], &b = points_[contact_[1]], &c = points_[contact_[2]];
-        xyz const normal = exact_cross(b - a, c - a);
+        xyz const normal = exact_cross(a, b, a, c);
         std::optional<index> farthest;
         double most = 0;
         for (index i = 0; i < points_.size(); ++i) {
@@ -139,7 +139,7 @@ plane seating_plane_fit(idioms::array<point> points, bool flag, idioms::array<po
     if (!found) return plane();
     xyz const a = scaled.at[(*found)[0]], b = scaled.at[(*found)[1]], c = scaled.at[(*found)[2]];
     double const back = flag ? -scaled.unit : scaled.unit;
-    xyz const center = back * (a + (1.0 / 3) * ((b - a) + (c - a))), normal = unit(exact_cross(b - a, c - a));
+    xyz const center = back * (a + (1.0 / 3) * ((b - a) + (c - a))), normal = unit(exact_cross(a, b, a, c));
     plane const result = plane_from_normal(center.location(true), point(false, normal.x, normal.y, normal.z),
                                            all, smallest_plane_extent, smallest_plane_extent);
     if (result.is_trivial()) return result;

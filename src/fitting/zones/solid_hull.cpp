@@ -89,10 +89,10 @@ private:
         start[1] = greatest([&](xyz const& q) { return length(q - a); });
         xyz const b = p[start[1]];
         if (a.x == b.x && a.y == b.y && a.z == b.z) return 1;
-        index const wide = greatest([&](xyz const& q) { return length(exact_cross(b - a, q - a)); });
+        index const wide = greatest([&](xyz const& q) { return length(cross(b - a, q - a)); });
         start[2] = first_that(wide, [&](xyz const& q) { return !are_collinear(a, b, q); });
         if (start[2] == none) return 2;
-        xyz const c = p[start[2]], normal = exact_cross(b - a, c - a);
+        xyz const c = p[start[2]], normal = exact_cross(a, b, a, c);
         index const high = greatest([&](xyz const& q) { return std::fabs(dot(normal, q - a)); });
         start[3] = first_that(high, [&](xyz const& q) { return orientation(a, b, c, q) != 0; });
         if (start[3] == none) return 3;
