@@ -146,7 +146,8 @@ private:
         bool on_top = true;
         auto const meet = [&](unsigned int i, xyz const& d, bool top) {
             double const gain = dot(d, g), room = -dot(d, normal_);
-            if (!(gain > 0) || !(std::max(room, 0.0) < least * gain)) return;
+            // Points in line with the contacts that stay do not come nearer, whatever rounding says.
+            if (!(gain > 0x1p-48 * length(d)) || !(std::max(room, 0.0) < least * gain)) return;
             least = std::max(room, 0.0) / gain;
             touched = i;
             on_top = top;
