@@ -43,16 +43,17 @@ TVMATH_API line line_zone_fit(std::vector<point> const& points);
 /// of one width the exchange's own stays.
 ///
 /// Null where `plane_fit` is: for fewer than three different points, for points on one line, and for 2D
-/// points. About n log n steps for the points of a measured surface; at worst, for two facing arcs that are
-/// crossed, the square of their number.
+/// points. About n log n steps for the points of a measured surface, and for most others; for crossed arcs
+/// that face each other it may come to the square of their number.
 ///
 /// Source: M. E. Houle, G. T. Toussaint, Computing the width of a set, IEEE PAMI 10 (1988) 761-765.
 TVMATH_API plane plane_zone_fit(idioms::array<point> points, double& zone);
 /// The same, with the width dropped.
 TVMATH_API plane plane_zone_fit(idioms::array<point> points);
 
-/// The plane parallel to `p` in the middle of the points' extent along its normal, with axes as of
-/// `plane_parallel_fit`. One point is enough; 2D points lie in z = 0.
+/// The plane parallel to `p` in the middle of the points' extent along its normal, with axes that reach over
+/// the points and over the centre of `p`, of the size of `p` where that leaves none. One point is enough; 2D
+/// points lie in z = 0.
 ///
 /// `zone` becomes that extent; untouched on failure. Null for a `p` that is not 3D.
 TVMATH_API plane plane_parallel_zone_fit(plane p, idioms::array<point> points, double& zone);
@@ -77,8 +78,9 @@ TVMATH_API plane plane_parallel_centered(plane p, point center);
 /// three points touch, or the centroid lies over an edge, it is one triangle of those that hold it. The axes
 /// and the sense of the normal are those of `plane_fit`, whatever `flag`.
 ///
-/// Null for fewer than 3 points, for points that lie on one line as seen along Z, for a list with a point
-/// that is not 3D, and after more than n squared exchanges, which is a bound that no list is known to reach.
+/// Null for fewer than 3 points, for points that lie on one line, to rounding, as seen along Z, for a list
+/// with a point that is not 3D, and after more than n squared exchanges, which is a bound that no list is
+/// known to reach.
 ///
 /// Source: the dual simplex method on the linear programme of the lowest plane above the points, of the
 /// height over the centroid; ties by H. Edelsbrunner, E. P. Muecke, Simulation of simplicity, ACM TOG 9
@@ -88,7 +90,8 @@ TVMATH_API plane seating_plane_fit(idioms::array<point> points, bool flag, idiom
 /// The smallest sphere that holds all the points; 2D points among 3D ones lie in z = 0.
 ///
 /// Returns true and sets `center`, a 3D location, and `radius`, its distance from the farthest points, two to
-/// four of which hold the sphere; 0.0 for equal points. Returns false, outputs untouched, for a list without
+/// four of which hold the sphere; 0.0 for equal points. Far from the origin the radius is more exact than the
+/// centre's coordinates can be. Returns false, outputs untouched, for a list without
 /// a 3D point.
 ///
 /// Source: B. Gaertner, Fast and robust smallest enclosing balls, ESA 1999, LNCS 1643, 325-338 (pivoting);
