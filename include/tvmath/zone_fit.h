@@ -65,14 +65,14 @@ TVMATH_API plane plane_parallel_zone_fit(plane p, idioms::array<point> points);
 TVMATH_API plane plane_parallel_centered(plane p, point center);
 
 /// The plane on which the points rest, as a part rests on a surface plate: it touches three of them, their
-/// triangle holds the centroid as seen along Z, and all points lie on one side. With `flag` the plate is
-/// below the points, without it they hang under the plate:
+/// triangle holds the centroid as seen along Z, and all points lie on one side. A true `flag` puts the plate
+/// below the points, a false one above them:
 ///
-///                                            _____1_______2_______  false
-///       z                                        / *  * *  \        .
-///       |                                       *  *   *    *
-///       +---- x, y                         ______\_*__*__*_/______
-///                                                 1       2          true
+///               false   ====o=======o====
+///       z                 *   *  *    *        o  contacts
+///       |                   *   *   *
+///       +--- x, y       ======o===o======
+///               true
 ///
 /// `contacts` becomes the three points, anticlockwise as seen from +Z; untouched on failure. When more than
 /// three points touch, or the centroid lies over an edge, it is one triangle of those that hold it. The axes
@@ -91,8 +91,7 @@ TVMATH_API plane seating_plane_fit(idioms::array<point> points, bool flag, idiom
 ///
 /// Returns true and sets `center`, a 3D location, and `radius`, its distance from the farthest points, two to
 /// four of which hold the sphere; 0.0 for equal points. Far from the origin the radius is more exact than the
-/// centre's coordinates can be. Returns false, outputs untouched, for a list without
-/// a 3D point.
+/// centre's coordinates can be. Returns false, outputs untouched, for a list without a 3D point.
 ///
 /// Source: B. Gaertner, Fast and robust smallest enclosing balls, ESA 1999, LNCS 1643, 325-338 (pivoting);
 /// K. Fischer, B. Gaertner, M. Kutz, Fast smallest-enclosing-ball computation in high dimensions, ESA 2003,
