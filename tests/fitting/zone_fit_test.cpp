@@ -131,6 +131,29 @@ TEST(PlaneZone, FindsTheCornersAmongManyPoints) {
     }
 }
 
+// Surfaces on which all sides are decided by the last digits, or tie.
+TEST(PlaneZone, OfRuledAndFlatSurfacesHasTheCornersAlone) {
+    seeded_random random(34);
+    for (double const step : {0.1, 1.0, 1 / 3.0}) {
+        // z = k x y is straight along its sides, so that its hull is the solid of the four corners.
+        std::vector<point> saddle, flat;
+        int const m = 60;
+        for (int i = 0; i < m * m; ++i) {
+            double const x = step * (i % m), y = step * (i / m);
+            saddle.push_back(at(x, y, 1e-4 * x * y));
+            double const u = random.uniform(-step, step), v = random.uniform(-step, step);
+            flat.push_back(at(u, v, 0.3 * u + 0.7 * v));
+        }
+        std::vector<point> const corners{saddle[0], saddle[m - 1], saddle[m * (m - 1)], saddle[m * m - 1]};
+        double zone = -1;
+        plane_zone_fit(as_array(saddle), zone);
+        EXPECT_TRUE(near_at_scale(zone, least_slab(corners), m * step, 1e-14, rounding));
+        plane_zone_fit(as_array(flat), zone);
+        EXPECT_LE(zone, 1e-15 * step);
+        EXPECT_GE(zone, 0);
+    }
+}
+
 TEST(Zones, AgreeWithPublishedSets) {
     // K. Pearson, Phil. Mag. 2 (1901) 559; the strip worked out in 60 digits from every hull edge.
     double const pearson[][2] = {{0, 5.9},   {0.9, 5.4}, {1.8, 4.4}, {2.6, 4.6}, {3.3, 3.5},

@@ -231,7 +231,7 @@ slab narrowest_slab(solid_hull const& hull, slab const& known) {
     slab const quick = width_search(hull, known, false).narrowest();
     if (quick.width == known.width) return known;
     slab const found = slab_along(quick.normal, hull.corners);
-    double const rounding = 0x1p-48 * length(hull.corners[found.upper] - hull.corners[found.lower]);
+    double const rounding = 0x1p-52 * length(hull.corners[found.upper] - hull.corners[found.lower]);
     return found.width <= quick.width + rounding ? found : width_search(hull, known, true).narrowest();
 }
 
