@@ -3,9 +3,9 @@
 #include <limits>
 #include <span>
 
-#include "geometry/extent.h"
 #include "geometry/point_lanes.h"
 #include "geometry/xyz.h"
+#include "plane_from_normal.h"
 #include "point_lists.h"
 #include "point_span.h"
 #include "tvmath/feature_fit.h"
@@ -109,65 +109,9 @@ point plane_normal_fit(point const& center, point_span points) {
     return refined_normal(center, {column(i), column(j), column(k)}, points);
 }
 
-// In the sense that makes the component of largest size positive, the first one of nearly equal ones: the
-// bias keeps the sense steady when rounding stirs components that are meant to be equal.
-point with_positive_largest(point const& n) {
-    constexpr double bias = 1e-6;
-    unsigned int m = 1;
-    if (std::fabs(n[2]) > std::fabs(n[m]) + bias) m = 2;
-    if (std::fabs(n[3]) > std::fabs(n[m]) + bias) m = 3;
-    return n[m] < 0.0 ? -n : n;
-}
-
-double half(interval const& range) {
-    return (range.high - range.low) / 2;
-}
-
-double middle(interval const& range) {
-    return (range.low + range.high) / 2;
-}
-
-interval symmetric(interval const& range) {
-    double const most = std::max(-range.low, range.high);
-    return {-most, most};
-}
-
-// The finite plane through `center` with that normal. Its axes are as long as the data reach, about their
-// middle when `recenter` is set. Extents of exactly 0, and those of fewer than 3 points, are no extents: they
-// are raised to the minimum.
-plane plane_from_normal(point const& center, point const& normal, point_span points, double minimum_width,
-                        double minimum_height, bool recenter = true) {
-    if (center.is_trivial() || normal.is_trivial()) return plane();
-    plane const unit_plane(center, with_positive_largest(normalize(normal)));
-    xyz const c(center), b(unit_plane.basis(1)), a(unit_plane.basis(2));
-    interval along_a{0, 0}, along_b{0, 0};
-    for (point const& p : points) {
-        xyz const d = xyz(p) - c;
-        along_a.widen(dot(d, a));
-        along_b.widen(dot(d, b));
-    }
-    if (!recenter) {
-        along_a = symmetric(along_a);
-        along_b = symmetric(along_b);
-    }
-    double half_a = half(along_a), half_b = half(along_b);
-    if (points.size() < 3 || half_a == 0.0 || half_b == 0.0) {
-        half_b = std::max(half_b, minimum_width);
-        half_a = std::max(half_a, minimum_height);
-    }
-    xyz const at = c + middle(along_a) * a + middle(along_b) * b;
-    if (!at.is_finite()) return plane();
-    plane result(make_transform(at.location(true), half_b * unit_plane.basis(1), half_a * unit_plane.basis(2),
-                                unit_plane.basis(3)));
-    return result.fill_in_inverse() ? result : plane();
-}
-
 bool any_trivial(point_span points) {
     return std::any_of(points.begin(), points.end(), [](point const& p) { return p.is_trivial(); });
 }
-
-// Half extents for planes of data that has none, in the caller's units.
-constexpr double smallest_extent = 0.005;
 
 }  // namespace
 
@@ -175,14 +119,14 @@ plane plane_fit(idioms::array<point> points) {
     point_span const all = span_of(points);
     if (count_distinct(all, 3) < 3) return plane();
     point const center = point_fit(points), normal = plane_normal_fit(center, all);
-    return plane_from_normal(center, normal, all, smallest_extent, smallest_extent);
+    return plane_from_normal(center, normal, all, smallest_plane_extent, smallest_plane_extent);
 }
 
 plane plane_centered_fit(point center, idioms::array<point> points) {
     point_span const all = span_of(points);
     if (any_trivial(all)) return plane();
     point const normal = plane_normal_fit(center, all);
-    return plane_from_normal(center, normal, all, smallest_extent, smallest_extent, false);
+    return plane_from_normal(center, normal, all, smallest_plane_extent, smallest_plane_extent, false);
 }
 
 plane plane_parallel_fit(plane p, idioms::array<point> points) {
