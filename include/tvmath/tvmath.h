@@ -56,3 +56,4 @@
 #include "tvmath/version.h"
 #include "tvmath/wide_string.h"
 #include "tvmath/zone_circle.h"
+#include "tvmath/zone_fit.h"

@@ -1,6 +1,6 @@
 #include "delaunay_predicates.h"
 
-#include "exact_sum.h"
+#include "linalg/exact_sum.h"
 
 inline namespace tvmath {
 namespace Delaunay {

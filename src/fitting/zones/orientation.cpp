@@ -1,89 +1,13 @@
 #include "orientation.h"
 
-#include <algorithm>
+#include <cmath>
+
+#include "linalg/exact_sum.h"
 
 inline namespace tvmath {
 namespace {
 
 constexpr double rounding = 0x1p-53;
-
-// A number as the exact sum of doubles that do not overlap, in increasing order and without zeros; the last
-// one has its sign. Room for the terms of one determinant of three rows: 3 products of 2 x 2 x 2 terms, each
-// of which doubles with every factor.
-class exact_sum {
-public:
-    exact_sum() {}  // leaves the terms as they are: most sums have few
-    exact_sum(exact_sum const& other) : size_(other.size_) { std::copy_n(other.terms_, size_, terms_); }
-    exact_sum& operator=(exact_sum const& other) {
-        size_ = other.size_;
-        std::copy_n(other.terms_, size_, terms_);
-        return *this;
-    }
-    // a - b
-    static exact_sum difference(double a, double b) {
-        exact_sum s;
-        double const d = a - b, of_b = a - d;
-        s.append((a - (d + of_b)) + (of_b - b));
-        s.append(d);
-        return s;
-    }
-
-    int sign() const { return size_ == 0 ? 0 : terms_[size_ - 1] > 0 ? 1 : -1; }
-
-    exact_sum operator-() const {
-        exact_sum s = *this;
-        for (int i = 0; i < size_; ++i) s.terms_[i] = -s.terms_[i];
-        return s;
-    }
-
-    // Both lists of terms merged by size and added from the least one on (fast expansion sum).
-    exact_sum operator+(exact_sum const& other) const {
-        exact_sum s;
-        double sum = 0;
-        for (int i = 0, j = 0; i < size_ || j < other.size_;) {
-            bool const mine =
-                j == other.size_ || (i < size_ && std::fabs(terms_[i]) < std::fabs(other.terms_[j]));
-            double const next = mine ? terms_[i++] : other.terms_[j++];
-            sum = s.append_error_of(sum, next);
-        }
-        s.append(sum);
-        return s;
-    }
-    exact_sum operator-(exact_sum const& other) const { return *this + -other; }
-
-    // Every product of terms is a double and its error.
-    exact_sum operator*(exact_sum const& other) const {
-        exact_sum s;
-        for (int j = 0; j < other.size_; ++j)
-            s = j == 0 ? scaled(other.terms_[0]) : s + scaled(other.terms_[j]);
-        return s;
-    }
-
-private:
-    void append(double term) {
-        if (term != 0.0) terms_[size_++] = term;
-    }
-    // a + b rounded; what the rounding lost becomes a term.
-    double append_error_of(double a, double b) {
-        double const sum = a + b, of_b = sum - a;
-        append((a - (sum - of_b)) + (b - of_b));
-        return sum;
-    }
-    exact_sum scaled(double factor) const {
-        exact_sum s;
-        double sum = 0;
-        for (int i = 0; i < size_; ++i) {
-            double const product = terms_[i] * factor;
-            sum = s.append_error_of(sum, std::fma(terms_[i], factor, -product));
-            sum = s.append_error_of(sum, product);
-        }
-        s.append(sum);
-        return s;
-    }
-
-    double terms_[192];
-    int size_ = 0;
-};
 
 // A number as the sum of two doubles, about 104 bits: what most sides near to 0 need, and ten times as fast.
 // Source: T. J. Dekker, A floating-point technique for extending the available precision, Numer. Math. 18
@@ -92,8 +16,8 @@ struct twofold {
     double high, low;
 
     static twofold difference(double a, double b) {
-        double const d = a - b, of_b = a - d;
-        return {d, (a - (d + of_b)) + (of_b - b)};
+        rounded_value const d = exact_plus(a, -b);
+        return {d.value, d.error};
     }
     twofold operator*(twofold const& b) const {
         double const product = high * b.high;
@@ -113,9 +37,17 @@ struct planar {
     double x, y;
 };
 
-exact_sum exact_determinant(planar a, planar b, planar c, planar d) {
-    return exact_sum::difference(b.x, a.x) * exact_sum::difference(d.y, c.y) -
-           exact_sum::difference(b.y, a.y) * exact_sum::difference(d.x, c.x);
+exact_sum<2> exact_difference(double a, double b) {
+    return {a, -b};
+}
+
+exact_sum<16> exact_determinant(planar a, planar b, planar c, planar d) {
+    return exact_difference(b.x, a.x) * exact_difference(d.y, c.y) +
+           exact_difference(a.y, b.y) * exact_difference(d.x, c.x);
+}
+
+int sign_of(double x) {
+    return x > 0 ? 1 : x < 0 ? -1 : 0;
 }
 
 planar along_z(xyz const& a) {
@@ -130,12 +62,12 @@ planar along_y(xyz const& a) {
 
 template <class view>
 bool are_collinear_in(view seen, xyz const& a, xyz const& b, xyz const& c) {
-    return exact_determinant(seen(a), seen(b), seen(a), seen(c)).sign() == 0;
+    return exact_determinant(seen(a), seen(b), seen(a), seen(c)).sign() == 0.0;
 }
 
 // One component of (b - a) x (c - a), times (p - a) along it.
 template <class view>
-exact_sum exact_term(view seen, xyz const& a, xyz const& b, xyz const& c, exact_sum const& along) {
+exact_sum<64> exact_term(view seen, xyz const& a, xyz const& b, xyz const& c, exact_sum<2> const& along) {
     return exact_determinant(seen(a), seen(b), seen(a), seen(c)) * along;
 }
 
@@ -158,7 +90,7 @@ twofold_vector cross(twofold_vector const& a, twofold_vector const& b) {
 }  // namespace
 
 int exact_turn_xy(xyz const& a, xyz const& b, xyz const& c, xyz const& d) {
-    return exact_determinant(along_z(a), along_z(b), along_z(c), along_z(d)).sign();
+    return sign_of(exact_determinant(along_z(a), along_z(b), along_z(c), along_z(d)).sign());
 }
 
 bool are_collinear(xyz const& a, xyz const& b, xyz const& c) {
@@ -178,10 +110,10 @@ int orientation(xyz const& a, xyz const& b, xyz const& c, xyz const& p) {
     twofold_vector const normal = cross(twofold_vector::difference(b, a), twofold_vector::difference(c, a));
     double const closer = dot(normal, twofold_vector::difference(p, a)).high;
     if (std::fabs(closer) > 0x1p-97 * terms) return closer > 0 ? 1 : -1;
-    return (exact_term(along_x, a, b, c, exact_sum::difference(p.x, a.x)) +
-            exact_term(along_y, a, b, c, exact_sum::difference(p.y, a.y)) +
-            exact_term(along_z, a, b, c, exact_sum::difference(p.z, a.z)))
-        .sign();
+    return sign_of((exact_term(along_x, a, b, c, exact_difference(p.x, a.x)) +
+                    exact_term(along_y, a, b, c, exact_difference(p.y, a.y)) +
+                    exact_term(along_z, a, b, c, exact_difference(p.z, a.z)))
+                       .sign());
 }
 
 xyz exact_cross(xyz const& a, xyz const& b, xyz const& c, xyz const& d) {
