@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+inline namespace tvmath {
+
+/// The largest of 1, 2 and 5 times a power of ten that is no more than `x`, which is above 0.
+double round_below(double x);
+
+/// `x` with that many decimals, or with an exponent where it would be all zeros or too long.
+std::string decimal_text(double x, int decimals);
+
+/// Six significant digits or fewer, for a value that stands alone.
+std::string short_text(double x);
+
+/// Marks at round numbers along one axis of a picture.
+struct plot_axis {
+    struct tick {
+        double at;  ///< in the coordinates of the view
+        std::string text;
+    };
+    std::vector<tick> ticks;
+    /// What has to be said beside the name of the axis: " - 1000000", " in 1e-6"; empty as a rule.
+    std::string remark;
+};
+
+/// Ticks from `low` to `high`, which count from `origin`, about `count` of them. Numbers that would need more
+/// than six digits are given as differences from a round one, very small and large ones in a unit of a power
+/// of ten.
+plot_axis make_axis(double origin, double low, double high, int count);
+/// Ticks of an angle in degrees.
+plot_axis make_angle_axis(double low, double high);
+
+}  // namespace tvmath
