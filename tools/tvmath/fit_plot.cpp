@@ -12,7 +12,7 @@ namespace {
 
 // The page, in points: A4 across.
 constexpr double page_width = 842, page_height = 595;
-constexpr double left = 78, right = 814, top = 74, view_width = 478, view_height = 330;
+constexpr double left = 82, right = 814, top = 74, view_width = 478, view_height = 330;
 constexpr double profile_top = 448, profile_height = 104, profile_width = 650;
 constexpr double figures_left = 590;
 
@@ -84,11 +84,9 @@ int residual_decimals(fit_result const& result) {
     return std::clamp(3 - static_cast<int>(std::floor(std::log10(result.form_error))), 0, 14);
 }
 
-std::string extreme_text(extreme_point const& e, double form_error) {
-    int const decimals =
-        form_error > 0 ? std::clamp(3 - static_cast<int>(std::floor(std::log10(form_error))), 0, 14) : 6;
-    return "point " + std::to_string(e.index + 1) + "  " + (e.residual < 0 ? "\u2212" : "+") +
-           decimal_text(std::fabs(e.residual), decimals);
+std::string extreme_text(extreme_point const& e, fit_result const& result) {
+    std::string const size = decimal_text(e.residual, residual_decimals(result));
+    return "point " + std::to_string(e.index + 1) + "  " + (e.residual > 0 ? "+" : "") + size;
 }
 
 std::string fit_plot(fit_result const& result, std::string const& suffix) {

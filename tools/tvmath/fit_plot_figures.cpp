@@ -153,7 +153,8 @@ public:
                                       : "residuals drawn \u00d7 " + factor_text(picture_.factor);
         // A bar of a round length, to read the residuals by.
         double const per_unit = view_scale * picture_.factor;
-        double const length = round_below(0.45 * (right_ - left_) / per_unit);
+        double const length =
+            round_below(std::min(0.45 * (right_ - left_) / per_unit, 1.2 * picture_.result.profile_error));
         double const drawn = length * per_unit;
         canvas_path bar;
         bar.move_to({left_, y_ - 6});
@@ -174,7 +175,7 @@ public:
     void draw_colors() {
         double const largest = picture_.result.profile_error / 2, width = right_ - left_;
         constexpr int steps = 24;
-        c_.text({left_, y_}, "\u2212" + number(largest), {.size = 8, .ink = text_ink});
+        c_.text({left_, y_}, number(-largest), {.size = 8, .ink = text_ink});
         c_.text({left_ + width / 2, y_}, "0", {.size = 8, .ink = text_ink, .across = 0.5});
         c_.text({right_, y_}, "+" + number(largest), {.size = 8, .ink = text_ink, .across = 1});
         y_ -= 11;

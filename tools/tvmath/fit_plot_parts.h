@@ -51,8 +51,8 @@ fit_picture make_fit_picture(fit_result const& result, fit_view const& view);
 std::string factor_text(double factor);
 /// Between blue for -1, light grey for 0 and red for 1.
 color residual_color(double part);
-/// "20  +0.0234".
-std::string extreme_text(extreme_point const& e, double resolution);
+/// "point 20  +0.0234".
+std::string extreme_text(extreme_point const& e, fit_result const& result);
 /// The decimals that show a residual.
 int residual_decimals(fit_result const& result);
 

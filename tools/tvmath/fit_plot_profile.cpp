@@ -23,7 +23,7 @@ range along_range(fit_view const& view) {
     if (view.along_is_angle && span > 180) {
         // A full turn, from wherever it is counted.
         double const start = low->along < 0 ? -180 : 0;
-        return {start, start + 360};
+        return {start - 4, start + 364};
     }
     double const margin = span > 0 ? 0.02 * span : 0.5;
     return {low->along - margin, high->along + margin};
@@ -183,11 +183,14 @@ void draw_profile(canvas& c, fit_picture const& picture, spot corner, double wid
         low = -1;
         high = 1;
     }
-    double const margin = 0.24 * (high - low);
+    double const margin = 0.32 * (high - low);  // room for the labels of the extremes
     plot_panel const panel = {corner, width, height, {along.low, low - margin}, {along.high, high + margin}};
-    plot_axis const x = picture.view.along_is_angle ? make_angle_axis(along.low, along.high)
-                                                    : make_axis(0, along.low, along.high, 8);
-    plot_axis const y = picture.is_rounding ? plot_axis{} : make_axis(0, panel.low.y, panel.high.y, 5);
+    plot_axis const x = picture.view.along_is_angle
+                            ? make_angle_axis(along.low, along.high)
+                            : make_axis(0, along.low, along.high, round_above((along.high - along.low) / 12));
+    plot_axis const y = picture.is_rounding ? plot_axis{}
+                                            : make_axis(0, panel.low.y, panel.high.y,
+                                                        round_above((panel.high.y - panel.low.y) / 6));
     draw_axes(c, panel, x, y, picture.view.along_label, "residual");
     if (!picture.is_rounding) {
         profile_drawer(c, picture, panel).draw();

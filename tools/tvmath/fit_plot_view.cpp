@@ -12,6 +12,7 @@ inline namespace tvmath {
 namespace {
 
 constexpr std::size_t most_single = 1200;  // more points than that are thinned to what can be told apart
+constexpr std::size_t least_dense = 24;    // from that many on the profile is drawn as a line
 constexpr double cell = 2.4;               // of thinning, in points of the page
 
 // Of all points in one cell of the page those with the greatest and the least residual stay, so no extreme
@@ -124,6 +125,21 @@ private:
         double const width = seen_.size() > 400 ? 0.5 : seen_.size() > 120 ? 0.8 : 1.2;
         c_.stroke(above, {above_ink, width});
         c_.stroke(below, {below_ink, width});
+        // A straight line between points that are far apart would not be what was measured.
+        bool const is_dense = view_.points.size() >= least_dense && view_.points.size() <= most_single;
+        if (view_.is_sequence && !view_.outlines.empty() && is_dense) draw_profile();
+    }
+
+    // From whisker to whisker, in the order along the feature: the profile as a roundness chart shows it.
+    void draw_profile() {
+        std::vector<std::size_t> order = seen_;
+        std::stable_sort(order.begin(), order.end(), [this](std::size_t a, std::size_t b) {
+            return view_.points[a].along < view_.points[b].along;
+        });
+        canvas_path path;
+        for (std::size_t const i : order) path.line_to(tip(i));
+        if (view_.outlines.front().closed && order.size() > 2) path.close();
+        c_.stroke(path, {faint_ink, 0.6});
     }
 
     // Few points: at their places, and coloured where the whiskers end. Many: at their places only.
@@ -202,7 +218,7 @@ private:
             color const ink = e->residual < 0 ? below_ink : above_ink;
             c_.stroke(ring_at(at, 4.5), {ink, 1.2});
             spot const way = e->residual < 0 ? -1.0 * out : out;
-            labels.place(at, {way.x, -way.y}, extreme_text(*e, picture_.result.form_error),
+            labels.place(at, {way.x, -way.y}, extreme_text(*e, picture_.result),
                          {.size = 8.5, .ink = ink, .bold = true, .halo = true});
         }
     }
@@ -249,11 +265,16 @@ plot_panel panel_for(view_extent const& e, bool is_even, spot corner, double wid
 double draw_view(canvas& c, fit_picture const& picture, spot corner, double width, double height) {
     fit_view const& view = picture.view;
     plot_panel const panel = panel_for(extent_of(picture), view.is_even, corner, width, height);
-    auto const axis = [&](std::string const& label, double origin, double low, double high, int count) {
-        return label.ends_with("degrees") ? make_angle_axis(low, high) : make_axis(origin, low, high, count);
+    // One step for both axes where they have one scale, so that the grid is square.
+    double step_x = round_above((panel.high.x - panel.low.x) / 9),
+           step_y = round_above((panel.high.y - panel.low.y) / 7);
+    if (view.is_even) step_x = step_y = std::max(step_x, step_y);
+    auto const axis = [](std::string const& label, double origin, double low, double high, double step) {
+        return label.ends_with("degrees") ? make_angle_axis(low, high) : make_axis(origin, low, high, step);
     };
-    draw_axes(c, panel, axis(view.x_label, view.origin.x, panel.low.x, panel.high.x, 6),
-              axis(view.y_label, view.origin.y, panel.low.y, panel.high.y, 5), view.x_label, view.y_label);
+    draw_axes(c, panel, axis(view.x_label, view.origin.x, panel.low.x, panel.high.x, step_x),
+              axis(view.y_label, view.origin.y, panel.low.y, panel.high.y, step_y), view.x_label,
+              view.y_label);
     view_drawer(c, picture, panel).draw();
     return panel.scale_x();
 }

@@ -137,7 +137,7 @@ private:
         }
         view.along_label = "angle about the center, degrees";
         view.along_is_angle = true;
-        view.room = closed ? 0.2 * radius : 0.13 * std::min(2 * radius, radius * (high - low));
+        view.room = closed ? 0.25 * radius : 0.13 * std::min(2 * radius, radius * (high - low));
     }
 
     // Feet on the outline, over the angle about the centre.

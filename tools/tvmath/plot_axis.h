@@ -5,12 +5,16 @@
 
 inline namespace tvmath {
 
-/// The largest of 1, 2 and 5 times a power of ten that is no more than `x`, which is above 0.
+/// The largest of 1, 1.5, 2, 3, 4, 5, 6 and 8 times a power of ten that is no more than `x`, which is above
+/// 0.
 double round_below(double x);
+/// The least of 1, 2 and 5 times a power of ten that is no less than `x`, which is above 0.
+double round_above(double x);
 
-/// `x` with that many decimals, or with an exponent where it would be all zeros or too long.
+// Numbers as pictures show them: with a minus sign as wide as a digit, and powers of ten raised.
+
+/// `x` with that many decimals, or as a power of ten where it would be all zeros or too long.
 std::string decimal_text(double x, int decimals);
-
 /// Six significant digits or fewer, for a value that stands alone.
 std::string short_text(double x);
 
@@ -25,10 +29,10 @@ struct plot_axis {
     std::string remark;
 };
 
-/// Ticks from `low` to `high`, which count from `origin`, about `count` of them. Numbers that would need more
-/// than six digits are given as differences from a round one, very small and large ones in a unit of a power
-/// of ten.
-plot_axis make_axis(double origin, double low, double high, int count);
+/// Ticks at multiples of `step`, as of `round_above`, from `low` to `high`, which count from `origin`.
+/// Numbers that would need more than six digits are given as differences from a round one, very small and
+/// large ones in a unit of a power of ten.
+plot_axis make_axis(double origin, double low, double high, double step);
 /// Ticks of an angle in degrees.
 plot_axis make_angle_axis(double low, double high);
 
