@@ -79,8 +79,8 @@ public:
         cairo_move_to(c_, -left, foot);
         if (style.halo) {
             cairo_text_path(c_, words.c_str());
-            cairo_set_source_rgba(c_, 1, 1, 1, 0.85);
-            cairo_set_line_width(c_, 3);
+            cairo_set_source_rgba(c_, 1, 1, 1, 0.9);
+            cairo_set_line_width(c_, 4);
             cairo_set_dash(c_, nullptr, 0, 0);
             cairo_stroke(c_);
             cairo_move_to(c_, -left, foot);

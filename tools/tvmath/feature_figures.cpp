@@ -176,7 +176,7 @@ private:
         }
         int const n = t.is_2d() ? 2 : 3;
         static char const* const scales[] = {"scale x", "scale y", "scale z"};
-        static char const* const images[] = {"image of x", "image of y", "image of z"};
+        static char const* const images[] = {"first axis", "second axis", "third axis"};
         for (int i = 1; affine && i <= n; ++i) add(scales[i - 1], figure_kind::number, t.size(i));
         if (affine && n == 2)
             add("shear", figure_kind::angle,

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <map>
 
 #include "fit_plot_parts.h"
 
@@ -18,6 +19,8 @@ constexpr double figures_left = 590;
 
 std::string title_of(fit_result const& result) {
     std::string title = result.kind->name;
+    if (title == "oring") return "O-ring";
+    std::replace(title.begin(), title.end(), '-', ' ');
     title[0] = static_cast<char>(title[0] - 'a' + 'A');
     return title;
 }
@@ -53,13 +56,50 @@ double rounding_of(std::vector<point> const& points) {
     return 8 * std::numeric_limits<double>::epsilon() * largest;
 }
 
+// The dots of a map. Of many points the mean in each cell: single points would hide each other, and the form
+// with them.
+void add_dots(fit_picture& picture) {
+    fit_view const& view = picture.view;
+    std::vector<double> const& residuals = picture.result.residuals;
+    picture.has_means = view.points.size() > most_single;
+    view_extent extent;
+    for (view_point const& p : view.points) extent.include(p.foot);
+    double cell_x = extent.width() / 130, cell_y = extent.height() / 90;
+    if (view.is_even) cell_x = cell_y = std::max(cell_x, cell_y);
+    struct sum {
+        spot place;
+        double residual = 0, count = 0;
+    };
+    std::map<std::pair<long, long>, sum> cells;
+    for (std::size_t i = 0; i < view.points.size(); ++i) {
+        spot const at = view.points[i].foot;
+        double const residual = picture.is_rounding ? 0 : residuals[i];
+        if (!picture.has_means) {
+            picture.dots.push_back({at, residual});
+            continue;
+        }
+        auto const number = [](double x, double cell) {
+            return cell > 0 ? std::lround(std::floor(x / cell)) : 0;
+        };
+        sum& s = cells[{number(at.x - extent.low.x, cell_x), number(at.y - extent.low.y, cell_y)}];
+        s.place = s.place + (at - extent.low);
+        s.residual += residual;
+        s.count += 1;
+    }
+    for (auto const& [key, s] : cells)
+        picture.dots.push_back({extent.low + (1 / s.count) * s.place, s.residual / s.count});
+    for (map_dot const& dot : picture.dots)
+        picture.color_range = std::max(picture.color_range, std::fabs(dot.residual));
+}
+
 }  // namespace
 
 fit_picture make_fit_picture(fit_result const& result, fit_view const& view) {
-    fit_picture picture{result, view};
+    fit_picture picture{.result = result, .view = view};
     double const largest = result.profile_error / 2;
     picture.is_rounding = largest <= rounding_of(result.points);
     if (!picture.is_rounding && view.room > largest) picture.factor = round_below(view.room / largest);
+    if (view.style == view_style::map) add_dots(picture);
     return picture;
 }
 

@@ -8,7 +8,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr double line_height = 12.2;
+constexpr double most_line_height = 12.2;
 
 // The figures, from the top of their column downward.
 class figure_column {
@@ -21,6 +21,14 @@ public:
           right_(corner.x + width),
           y_(corner.y + 9) {}
 
+    /// Draws closer lines where there are many.
+    void fit_into(double height) {
+        std::size_t lines = 11;  // of the form, and between
+        lines += rows_of(result_.figures, false, nullptr_text).size() + (result_.nominal ? 1 : 0);
+        line_height_ = std::min(most_line_height, height / static_cast<double>(lines));
+        size_ *= line_height_ / most_line_height;
+    }
+
     void draw_form() {
         std::string label = form_label(result_);
         label[0] = static_cast<char>(label[0] - 'a' + 'A');
@@ -32,7 +40,7 @@ public:
         if (result_.tolerance) {
             bool const kept = result_.is_in_tolerance();
             c_.text({left_, y_}, kept ? "within its tolerance of" : "above its tolerance of",
-                    {.size = 8.5, .ink = kept ? color{0.05, 0.45, 0.20} : above_ink, .bold = true});
+                    {.size = size_, .ink = kept ? color{0.05, 0.45, 0.20} : above_ink, .bold = true});
             value(short_text(*result_.tolerance));
         }
         if (result_.has_standard_names) {
@@ -53,7 +61,7 @@ public:
         rule();
     }
 
-    void draw_parameters(double bottom) {
+    void draw_parameters() {
         std::vector<figure> const none;
         std::vector<figure> const& differences = result_.nominal ? result_.nominal->deviations : none;
         if (!differences.empty()) {
@@ -68,14 +76,13 @@ public:
                                                           ? std::vector<report_row>()
                                                           : rows_of({*d}, false, nullptr_text);
             for (std::size_t i = 0; i < rows.size(); ++i) {
-                if (y_ > bottom) return;
                 std::string const text = parameter(f, i);
                 if (differences.empty()) {
                     row(label_of(rows[i].label), text);
                     continue;
                 }
-                c_.text({left_, y_}, label_of(rows[i].label), {.size = 8.5, .ink = faint_ink});
-                c_.text({right_ - 58, y_}, text, {.size = 8.5, .ink = text_ink, .across = 1});
+                c_.text({left_, y_}, label_of(rows[i].label), {.size = size_, .ink = faint_ink});
+                c_.text({right_ - 58, y_}, text, {.size = size_, .ink = text_ink, .across = 1});
                 if (i < deviation.size())
                     value(difference(*d, i));
                 else
@@ -94,13 +101,13 @@ private:
         return label;
     }
 
-    void next() { y_ += line_height; }
+    void next() { y_ += line_height_; }
     void value(std::string const& text) {
-        c_.text({right_, y_}, text, {.size = 8.5, .ink = text_ink, .across = 1});
+        c_.text({right_, y_}, text, {.size = size_, .ink = text_ink, .across = 1});
         next();
     }
     void row(std::string const& label, std::string const& text) {
-        c_.text({left_, y_}, label, {.size = 8.5, .ink = faint_ink});
+        c_.text({left_, y_}, label, {.size = size_, .ink = faint_ink});
         value(text);
     }
     void rule() {
@@ -138,6 +145,7 @@ private:
     fit_picture const& picture_;
     fit_result const& result_;
     double left_, right_, y_;
+    double line_height_ = most_line_height, size_ = 8.5;
 };
 
 // What colours and lengths mean, from the bottom of the column upward.
@@ -166,14 +174,14 @@ public:
         c_.stroke(bar, {text_ink, 1});
         c_.text({left_ + drawn + 6, y_}, "a residual of " + short_text(length), {.size = 8, .ink = text_ink});
         up();
-        entry(zone_ink, "zone of the form error");
+        if (!view.outlines.empty()) entry(zone_ink, "zone of the form error");
         if (!view.below.empty()) entry(below_ink, "\u2212  " + view.below);
         entry(above_ink, view.below.empty() ? view.above : "+  " + view.above);
         c_.text({left_, y_}, times, {.size = 10, .ink = text_ink, .bold = true});
     }
 
     void draw_colors() {
-        double const largest = picture_.result.profile_error / 2, width = right_ - left_;
+        double const largest = picture_.color_range, width = right_ - left_;
         constexpr int steps = 24;
         c_.text({left_, y_}, number(-largest), {.size = 8, .ink = text_ink});
         c_.text({left_ + width / 2, y_}, "0", {.size = 8, .ink = text_ink, .across = 0.5});
@@ -187,7 +195,8 @@ public:
         c_.text({left_, y_}, "\u2212  " + picture_.view.below, {.size = 8, .ink = below_ink});
         c_.text({right_, y_}, "+  " + picture_.view.above, {.size = 8, .ink = above_ink, .across = 1});
         up();
-        c_.text({left_, y_}, "residuals as colours", {.size = 10, .ink = text_ink, .bold = true});
+        c_.text({left_, y_}, picture_.has_means ? "mean residuals as colours" : "residuals as colours",
+                {.size = 10, .ink = text_ink, .bold = true});
     }
 
     void draw_none() {
@@ -222,8 +231,9 @@ private:
 void draw_figures(canvas& c, fit_picture const& picture, spot corner, double width, double height,
                   double view_scale) {
     figure_column column(c, picture, corner, width);
+    column.fit_into(height - 84);
     column.draw_form();
-    column.draw_parameters(corner.y + height - 84);
+    column.draw_parameters();
     legend what(c, picture, {corner.x, corner.y + height}, width);
     if (picture.is_rounding) {
         what.draw_none();

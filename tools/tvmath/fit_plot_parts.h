@@ -35,6 +35,15 @@ struct plot_panel {
 void draw_axes(canvas& c, plot_panel const& panel, plot_axis const& x, plot_axis const& y,
                std::string const& x_label, std::string const& y_label);
 
+/// Beyond that many points those are drawn that can be told apart.
+constexpr std::size_t most_single = 1200;
+
+/// A dot of a map: a point, or the mean of neighbouring points.
+struct map_dot {
+    spot at;  ///< in the view
+    double residual = 0;
+};
+
 /// All that the parts of the page share.
 struct fit_picture {
     fit_result const& result;
@@ -43,6 +52,10 @@ struct fit_picture {
     double factor = 1;
     /// The residuals are no more than rounding of the coordinates, and are drawn as 0.
     bool is_rounding = false;
+    // Of a map.
+    std::vector<map_dot> dots = {};
+    bool has_means = false;  ///< The dots are means of neighbouring points.
+    double color_range = 0;  ///< The residual of the deepest colour.
 };
 
 fit_picture make_fit_picture(fit_result const& result, fit_view const& view);

@@ -11,7 +11,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr std::size_t most_single = 1200;  // more points than that are thinned to what can be told apart
+constexpr std::size_t most_avoided = 400;  // labels keep clear of so many points
 constexpr std::size_t least_dense = 24;    // from that many on the profile is drawn as a line
 constexpr double cell = 2.4;               // of thinning, in points of the page
 
@@ -94,21 +94,17 @@ private:
         for (outline const& o : view_.outlines) c_.stroke(polygon(panel_, o, 0), with);
     }
 
-    // Between the parallels through the extreme points, enlarged as the residuals are.
+    // Between the parallels through the extreme points, enlarged as the residuals are. As a broad line along
+    // their middle, which covers itself where a path turns sharply, and is round beyond corners as the
+    // distances are.
     void draw_zone() {
         double const high = picture_.factor * picture_.result.highest.residual,
                      low = picture_.factor * picture_.result.lowest.residual;
-        for (outline const& o : view_.outlines) {
-            canvas_path band = polygon(panel_, o, high), edges = polygon(panel_, o, low, band);
-            if (o.closed) {
-                band = edges;
-            } else {
-                for (std::size_t i = o.at.size(); i-- > 0;) band.line_to(panel_.at(o.at[i] + low * o.out[i]));
-                band.close();
-            }
-            c_.fill(band, zone_ink);
-            c_.stroke(edges, {zone_edge_ink, 0.5});
-        }
+        double const width = (high - low) * panel_.scale_x();
+        canvas_path band;
+        for (outline const& o : view_.outlines) band = polygon(panel_, o, (high + low) / 2, band);
+        c_.stroke(band, {zone_edge_ink, width + 1});
+        c_.stroke(band, {zone_ink, width});
     }
 
     void draw_whiskers() {
@@ -166,23 +162,20 @@ private:
     }
 
     void draw_colored_points() {
-        std::vector<spot> at;
-        for (std::size_t i = 0; i < view_.points.size(); ++i) at.push_back(foot(i));
-        std::vector<std::size_t> seen = visible_points(at, residuals_);
+        std::vector<map_dot> dots = picture_.dots;
         // Large residuals last, so that they lie on top.
-        std::stable_sort(seen.begin(), seen.end(), [this](std::size_t a, std::size_t b) {
-            return std::fabs(residuals_[a]) < std::fabs(residuals_[b]);
+        std::stable_sort(dots.begin(), dots.end(), [](map_dot const& a, map_dot const& b) {
+            return std::fabs(a.residual) < std::fabs(b.residual);
         });
-        double const radius = seen.size() <= 150 ? 4 : seen.size() <= 1500 ? 2.6 : 1.5;
-        double const largest = picture_.result.profile_error / 2;
+        double const radius = dots.size() <= 150 ? 4 : dots.size() <= 1500 ? 2.6 : 1.8;
         // Colours in steps, each one path: a short file for many points.
         constexpr int steps = 12;
         for (int s = 0; s <= steps; ++s) {
             std::vector<spot> positive, negative;
-            for (std::size_t const i : seen) {
-                double const part = picture_.is_rounding || largest == 0.0 ? 0 : residuals_[i] / largest;
+            for (map_dot const& dot : dots) {
+                double const part = picture_.color_range > 0 ? dot.residual / picture_.color_range : 0;
                 if (static_cast<int>(std::lround(std::fabs(part) * steps)) != s) continue;
-                (part < 0 ? negative : positive).push_back(at[i]);
+                (part < 0 ? negative : positive).push_back(panel_.at(dot.at));
             }
             double const part = static_cast<double>(s) / steps;
             for (auto const& [places, sign] : {std::pair{&positive, 1.0}, std::pair{&negative, -1.0}}) {
@@ -208,15 +201,18 @@ private:
         if (picture_.is_rounding) return;
         label_placer labels(c_, panel_);
         for (extreme_point const* e : {&picture_.result.highest, &picture_.result.lowest}) {
-            spot const at = tip(e->index);
-            labels.keep_clear(at, 6);
+            labels.keep_clear(tip(e->index), 6);
+        }
+        if (view_.points.size() <= most_avoided) {
+            for (std::size_t i = 0; i < view_.points.size(); ++i) labels.keep_clear(tip(i), 3);
         }
         for (extreme_point const* e : {&picture_.result.highest, &picture_.result.lowest}) {
             bool const is_high = e == &picture_.result.highest;
             if (!is_high && e->index == picture_.result.highest.index) break;
             spot const at = tip(e->index), out = view_.points[e->index].out;
             color const ink = e->residual < 0 ? below_ink : above_ink;
-            c_.stroke(ring_at(at, 4.5), {ink, 1.2});
+            c_.stroke(ring_at(at, 4.5), {{1, 1, 1}, 3.2});
+            c_.stroke(ring_at(at, 4.5), {ink, 1.3});
             spot const way = e->residual < 0 ? -1.0 * out : out;
             labels.place(at, {way.x, -way.y}, extreme_text(*e, picture_.result),
                          {.size = 8.5, .ink = ink, .bold = true, .halo = true});
@@ -251,9 +247,10 @@ view_extent extent_of(fit_picture const& picture) {
 // The panel that holds the extent with a margin; evenly scaled where the view asks for it.
 plot_panel panel_for(view_extent const& e, bool is_even, spot corner, double width, double height) {
     double const margin = 26, room_x = width - 2 * margin, room_y = height - 2 * margin;
-    double size = std::max(e.width(), e.height());
-    if (!(size > 0)) size = 1;
-    double const w = std::max(e.width(), 1e-9 * size), h = std::max(e.height(), 1e-9 * size);
+    double const size = std::max(e.width(), e.height());
+    // All in one place: there is no scale but the unit.
+    double const least = size > 0 ? 1e-9 * size : 1;
+    double const w = std::max(e.width(), least), h = std::max(e.height(), least);
     double scale_x = room_x / w, scale_y = room_y / h;
     if (is_even) scale_x = scale_y = std::min(scale_x, scale_y);
     spot const middle = 0.5 * (e.low + e.high), half = {width / scale_x / 2, height / scale_y / 2};
@@ -266,8 +263,8 @@ double draw_view(canvas& c, fit_picture const& picture, spot corner, double widt
     fit_view const& view = picture.view;
     plot_panel const panel = panel_for(extent_of(picture), view.is_even, corner, width, height);
     // One step for both axes where they have one scale, so that the grid is square.
-    double step_x = round_above((panel.high.x - panel.low.x) / 9),
-           step_y = round_above((panel.high.y - panel.low.y) / 7);
+    double step_x = round_above((panel.high.x - panel.low.x) / 11),
+           step_y = round_above((panel.high.y - panel.low.y) / 8);
     if (view.is_even) step_x = step_y = std::max(step_x, step_y);
     auto const axis = [](std::string const& label, double origin, double low, double high, double step) {
         return label.ends_with("degrees") ? make_angle_axis(low, high) : make_axis(origin, low, high, step);

@@ -63,7 +63,7 @@ bool fill_fitter(geometry_fitter::fitter& fitter, fit_input const& in, fitted_fe
     // Conditions that settle the feature by themselves leave the points to be measured against it.
     if (!fitter.can_add(fit())) {
         fitted.unknowns = 0;
-        fitted.method = "by the conditions alone";
+        fitted.method = "settled by the conditions, the points are measured only";
         return true;
     }
     std::vector<point> points = in.points;

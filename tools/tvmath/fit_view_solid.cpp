@@ -46,6 +46,7 @@ fit_view plane_view(fit_result const& result) {
 fit_view sphere_view(fit_result const& result) {
     sphere const& s = static_cast<Sphere_Description const&>(*result.feature).geometry;
     fit_view view = map_view("longitude, degrees", "latitude, degrees");
+    view.is_even = false;
     for (point const& q : result.points) {
         point const d = q - s.basis(0);
         spot const at = {degrees(d.angle2d()), degrees(std::atan2(d.z(), d.length2d()))};

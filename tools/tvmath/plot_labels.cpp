@@ -48,6 +48,15 @@ void label_placer::place(spot at, spot way, std::string const& words, text_style
         }
     }
     taken_.push_back(best);
+    // A label that had to go far away gets a line to its point.
+    spot const edge = {std::clamp(at.x, best.left, best.right), std::clamp(at.y, best.top, best.bottom)};
+    double const distance = std::hypot(edge.x - at.x, edge.y - at.y);
+    if (distance > 11) {
+        canvas_path leader;
+        leader.move_to(at + (5.5 / distance) * (edge - at));
+        leader.line_to(edge);
+        c_.stroke(leader, {style.ink, 0.6});
+    }
     c_.text({best.left + 2, best.bottom - 2}, words, style);
 }
 
