@@ -41,7 +41,7 @@ std::vector<fit_kind> make_kinds() {
          "both sides need points, one of them two, clear of the scatter", fit_gap},
         {"ring", nullptr, 4, false, false, nominal, ORing_Description::type_value, no_name,
          "the points leave a gap of half a turn or more about their centre", fit_ring},
-        {"oring", "o-ring", 8, false, false, nominal, ORing_Description::type_value, no_name,
+        {"o-ring", "oring", 8, false, false, nominal, ORing_Description::type_value, no_name,
          "the points do not part into two outlines, each without a gap of half a turn", fit_oring},
         {"plane",
          nullptr,

@@ -169,8 +169,8 @@ bool read_conditions(fit_request const& request, fit_kind const& kind, fit_condi
     fit_conditions fresh;
     fresh.given = given_options(request);
     if (unsigned const foreign = fresh.given & ~kind.options) {
-        reason = kind.named() + " does not take " + option_names(foreign) +
-                 "; of the options on what is known it takes " + option_names(kind.options);
+        reason =
+            kind.named() + " does not take " + option_names(foreign) + ", but " + option_names(kind.options);
         return false;
     }
     if (fresh.has(option_quick) && (fresh.given & ~(option_quick | option_nominal | option_center))) {

@@ -49,7 +49,14 @@ bool fit_point(fit_input const& in, fitted_feature& fitted) {
 
 bool fit_line(fit_input const& in, fitted_feature& fitted) {
     if (in.known.given & line_conditions) {
-        return fit_constrained<geometry_fitter::line_fitter, Segment_Description>(in, fitted);
+        // To the fitter a centre is the middle of points; beside a point to pass it is another such point.
+        fit_conditions known = in.known;
+        if (known.center && !known.through.empty()) {
+            known.through.push_back(*known.center);
+            known.center.reset();
+        }
+        return fit_constrained<geometry_fitter::line_fitter, Segment_Description>(
+            {in.points, known, in.sizes}, fitted);
     }
     fitted.unknowns = 2;
     fitted.method = "least squares";

@@ -11,15 +11,14 @@
 inline namespace tvmath {
 namespace {
 
-// The page, in points: A4 across.
-constexpr double page_width = 842, page_height = 595;
+// Places on the page.
 constexpr double left = 82, right = 814, top = 74, view_width = 478, view_height = 330;
 constexpr double profile_top = 448, profile_height = 104, profile_width = 650;
 constexpr double figures_left = 590;
 
 std::string title_of(fit_result const& result) {
     std::string title = result.kind->name;
-    if (title == "oring") return "O-ring";
+    if (title == "o-ring") return "O-ring";
     std::replace(title.begin(), title.end(), '-', ' ');
     title[0] = static_cast<char>(title[0] - 'a' + 'A');
     return title;
@@ -129,15 +128,19 @@ std::string extreme_text(extreme_point const& e, fit_result const& result) {
     return "point " + std::to_string(e.index + 1) + "  " + (e.residual > 0 ? "+" : "") + size;
 }
 
-std::string fit_plot(fit_result const& result, std::string const& suffix) {
-    auto const c = make_canvas(suffix, page_width, page_height);
-    if (!c) return {};
+void draw_fit(canvas& c, fit_result const& result) {
     fit_view const view = view_of(result);
     fit_picture const picture = make_fit_picture(result, view);
-    draw_title(*c, result);
-    double const scale = draw_view(*c, picture, {left, top}, view_width, view_height);
-    draw_figures(*c, picture, {figures_left, top}, right - figures_left, view_height + 24, scale);
-    draw_profile(*c, picture, {left, profile_top}, profile_width, profile_height);
+    draw_title(c, result);
+    double const scale = draw_view(c, picture, {left, top}, view_width, view_height);
+    draw_figures(c, picture, {figures_left, top}, right - figures_left, view_height + 24, scale);
+    draw_profile(c, picture, {left, profile_top}, profile_width, profile_height);
+}
+
+std::string fit_plot(fit_result const& result, std::string const& suffix) {
+    auto const c = make_canvas(suffix, fit_page_width, fit_page_height);
+    if (!c) return {};
+    draw_fit(*c, result);
     return c->finish();
 }
 

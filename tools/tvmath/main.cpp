@@ -46,7 +46,7 @@ void complain(std::string message) {
 // An option whose words, each a text of numbers, are kept for every time that it is given.
 void add_numbers(CLI::App& app, char const* name, std::vector<std::string>& texts, char const* form,
                  char const* what) {
-    app.add_option(name, texts, what)->type_name(form)->expected(1)->take_all();
+    app.add_option(name, texts, what)->type_name(form)->expected(1)->take_all()->allow_extra_args(false);
 }
 
 void add_fit(CLI::App& app, fit_request& request) {
