@@ -20,7 +20,7 @@ double read(std::string text) {
     replace("\u207b", "-");
     static char const* const raised[] = {"\u2070", "\u00b9", "\u00b2", "\u00b3", "\u2074",
                                          "\u2075", "\u2076", "\u2077", "\u2078", "\u2079"};
-    if (text.rfind("10", 0) == 0 && text.size() > 2 && !std::isdigit(static_cast<unsigned char>(text[2])))
+    if (text.rfind("10", 0) == 0 && text.size() > 2 && static_cast<unsigned char>(text[2]) > 127)
         text.replace(0, 2, "1e");
     for (int d = 0; d < 10; ++d) replace(raised[d], std::to_string(d));
     return std::atof(text.c_str());

@@ -96,14 +96,15 @@ void add_dots(fit_picture& picture) {
 fit_picture make_fit_picture(fit_result const& result, fit_view const& view) {
     fit_picture picture{.result = result, .view = view};
     double const largest = result.profile_error / 2;
-    picture.is_rounding = largest <= rounding_of(result.points);
+    picture.rounding = rounding_of(result.points);
+    picture.is_rounding = largest <= picture.rounding;
     if (!picture.is_rounding && view.room > largest) picture.factor = round_below(view.room / largest);
     if (view.style == view_style::map) add_dots(picture);
     return picture;
 }
 
 std::string factor_text(double factor) {
-    if (factor > 1e9) return short_text(factor);
+    if (factor < 10 || factor > 1e9) return short_text(factor);
     std::string text = decimal_text(factor, 0);
     for (std::size_t i = text.size(); i > 3; i -= 3) {
         if (text.size() > 4) text.insert(i - 3, " ");

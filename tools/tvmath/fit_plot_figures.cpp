@@ -123,24 +123,20 @@ private:
     }
     // As many decimals as the residuals have.
     std::string parameter(figure const& f, std::size_t i) const {
-        if (f.kind == figure_kind::count) return decimal_text(f.values[i], 0);
+        double const x = f.values[i];
+        if (f.kind == figure_kind::count) return fixed_text(x, 0);
         if (f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle)
-            return decimal_text(f.values[i] * (180 / pi), 5) + "\u00b0";
+            return fixed_text(x * (180 / pi), 5) + "\u00b0";
         if (f.kind == figure_kind::direction || f.kind == figure_kind::axis || f.kind == figure_kind::number)
-            return decimal_text(f.values[i], 7);
-        if (f.label == "area" || picture_.is_rounding) return nine_digits(f.values[i]);
-        return decimal_text(f.values[i], residual_decimals(result_));
+            return fixed_text(x, 7);
+        if (picture_.is_rounding) return short_text(std::fabs(x) <= picture_.rounding ? 0 : x, 9);
+        return f.label == "area" ? short_text(x, 9) : fixed_text(x, residual_decimals(result_));
     }
     std::string difference(figure const& d, std::size_t i) const {
         std::string const text = parameter(d, i);
-        return d.values[i] > 0 ? "+" + text : text;
+        bool const is_above = d.values[i] > 0 && text.find_first_of("123456789") != std::string::npos;
+        return is_above ? "+" + text : text;
     }
-    static std::string nine_digits(double x) {
-        char text[40];
-        std::snprintf(text, sizeof text, "%.9g", x);
-        return text;
-    }
-
     canvas& c_;
     fit_picture const& picture_;
     fit_result const& result_;

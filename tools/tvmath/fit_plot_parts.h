@@ -52,6 +52,7 @@ struct fit_picture {
     double factor = 1;
     /// The residuals are no more than rounding of the coordinates, and are drawn as 0.
     bool is_rounding = false;
+    double rounding = 0;  ///< of the coordinates
     // Of a map.
     std::vector<map_dot> dots = {};
     bool has_means = false;  ///< The dots are means of neighbouring points.

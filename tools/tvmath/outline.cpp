@@ -109,10 +109,14 @@ void outline_finder::try_edge(std::size_t which, std::size_t index, spot p, outl
     spot const foot = o.at[index] + t * d, away = p - foot;
     if (!(dot(away, away) < best_square)) return;
     best_square = dot(away, away);
-    spot const out = unit((1 - t) * o.out[index] + t * o.out[next]);
     double const distance = tvmath::length(away);
+    // Across the edge; about a corner from the corner, unless that is too near to tell a direction.
+    spot const way = o.out[t < 0.5 ? index : next];
+    bool const at_corner = t == 0.0 || t == 1.0;
+    spot out = !at_corner ? unit({-d.y, d.x}) : distance > 1e-9 * longest_edge_ ? unit(away) : unit(way);
+    if (dot(out, way) < 0) out = -1.0 * out;
     best = {foot, out, along_[which][index] + t * tvmath::length(d), which,
-            dot(away, out) < 0 ? -distance : distance};
+            dot(away, way) < 0 ? -distance : distance};
 }
 
 outline_foot outline_finder::nearest(spot p) const {

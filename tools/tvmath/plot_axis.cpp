@@ -69,9 +69,20 @@ std::string decimal_text(double x, int decimals) {
     return printed(text);
 }
 
-std::string short_text(double x) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", x);
+std::string fixed_text(double x, int decimals) {
+    double const size = std::fabs(x);
+    if (size >= 1e15) return short_text(x);
+    int const whole = size >= 1 ? static_cast<int>(std::floor(std::log10(size))) : 0;
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", std::clamp(decimals, 0, 15 - whole), x);
+    std::string const shown = text;
+    bool const is_zero = shown.find_first_of("123456789") == std::string::npos;
+    return printed(is_zero && shown[0] == '-' ? shown.substr(1) : shown);
+}
+
+std::string short_text(double x, int digits) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.*g", digits, x);
     return printed(text);
 }
 

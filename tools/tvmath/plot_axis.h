@@ -15,8 +15,10 @@ double round_above(double x);
 
 /// `x` with that many decimals, or as a power of ten where it would be all zeros or too long.
 std::string decimal_text(double x, int decimals);
-/// Six significant digits or fewer, for a value that stands alone.
-std::string short_text(double x);
+/// `x` with that many decimals, 0 where they are all zeros, but no more digits than a double has.
+std::string fixed_text(double x, int decimals);
+/// So many significant digits or fewer, for a value that stands alone.
+std::string short_text(double x, int digits = 6);
 
 /// Marks at round numbers along one axis of a picture.
 struct plot_axis {
