@@ -71,10 +71,10 @@ std::string decimal_text(double x, int decimals) {
 
 std::string fixed_text(double x, int decimals) {
     double const size = std::fabs(x);
-    if (size >= 1e15) return short_text(x);
+    if (size >= 1e15) return short_text(x, 15);
     int const whole = size >= 1 ? static_cast<int>(std::floor(std::log10(size))) : 0;
     char text[64];
-    std::snprintf(text, sizeof text, "%.*f", std::clamp(decimals, 0, 15 - whole), x);
+    std::snprintf(text, sizeof text, "%.*f", std::clamp(decimals, 0, 16 - whole), x);
     std::string const shown = text;
     bool const is_zero = shown.find_first_of("123456789") == std::string::npos;
     return printed(is_zero && shown[0] == '-' ? shown.substr(1) : shown);
@@ -93,11 +93,11 @@ plot_axis make_axis(double origin, double low, double high, double step) {
     // A round number near the range, so that what is left has few digits.
     double offset = 0;
     if (largest / step >= 1e5) {
-        double const unit = std::pow(10, std::ceil(std::log10(high - low)) + 1);
+        int const power = static_cast<int>(std::ceil(std::log10(high - low))) + 1;
+        double const unit = std::pow(10, power);
         offset = std::round((origin + (low + high) / 2) / unit) * unit;
-        axis.remark = (offset < 0 ? " + " : " \u2212 ") + decimal_text(std::fabs(offset), 0);
-        if (std::fabs(offset) < 1e3)
-            axis.remark = (offset < 0 ? " + " : " \u2212 ") + short_text(std::fabs(offset));
+        if (offset != 0.0)
+            axis.remark = (offset < 0 ? " + " : " \u2212 ") + fixed_text(std::fabs(offset), -power);
     }
     double const rest = std::max(std::fabs(origin - offset + low), std::fabs(origin - offset + high));
     double unit = 1;
