@@ -10,26 +10,55 @@
 inline namespace tvmath {
 namespace {
 
-// Distances from the path. In the plane they are signed: positive outside a closed path, and on the left of
-// an open one. A path in space has no sides.
-bool measure_path(fit_input const& in, curve const& polyline, bool closed, fitted_feature& fitted) {
+constexpr unsigned int steps = 16;  // of the polyline that stands for a segment
+
+// The segments beside the one that `edge` of the polyline belongs to.
+curve neighbourhood(curve const& path, std::size_t edge) {
+    auto const segments = (path.capacity() - 1) / 3, at = static_cast<unsigned int>(edge) / steps;
+    unsigned int const first = at > 0 ? at - 1 : 0, last = std::min(at + 2, segments);
+    return curve(idioms::array<point>(3 * (last - first) + 1, path.begin() + 3 * first));
+}
+
+// Distances from a Bezier path. In the plane they are signed: positive outside a closed path, and on the left
+// of an open one. A path in space has no sides.
+bool measure_path(fit_input const& in, curve const& path, bool closed, fitted_feature& fitted) {
+    OpenSpline_Description whole;
+    whole.path = path;
     std::vector<point> nearest;
-    if (!calc_nearest_points(*fitted.record, in.points, nearest)) return false;
-    bool const flat = in.points.front().is_2d();
-    std::vector<outline> const sides = {make_outline(polyline, closed, in.points.front())};
-    outline_finder const finder(sides);
-    for (std::size_t i = 0; i < in.points.size(); ++i) {
-        point const& p = in.points[i];
-        double residual = flat ? distance2d(p, nearest[i]) : distance3d(p, nearest[i]);
-        if (flat && residual > 0) {
-            spot const foot = {nearest[i].x() - in.points.front().x(),
-                               nearest[i].y() - in.points.front().y()};
-            spot const out = finder.nearest(foot).out;
-            double const side = (p.x() - nearest[i].x()) * out.x + (p.y() - nearest[i].y()) * out.y;
-            residual = std::copysign(residual, side);
-        }
-        fitted.residuals.push_back(residual);
+    if (in.points.front().is_3d()) {
+        if (!calc_nearest_points(whole, in.points, nearest)) return false;
+        for (std::size_t i = 0; i < in.points.size(); ++i)
+            fitted.residuals.push_back(distance3d(in.points[i], nearest[i]));
+        return true;
     }
+    point const origin = in.points.front();
+    auto const local = [&origin](point const& p) { return spot{p.x() - origin.x(), p.y() - origin.y()}; };
+    outline line;
+    for (point const& p : render(path, false, steps)) line.at.push_back(local(p));
+    line.out.resize(line.at.size());
+    std::vector<outline> const lines = {line};
+    outline_finder const finder(lines);
+    double area = 0;
+    point centroid;
+    bool const to_the_right = closed && calculate_closed_bezier_moments(path, area, centroid) && area > 0;
+    for (point const& p : in.points) {
+        // The polyline tells which segments come near; so the time does not grow with all pairs.
+        std::size_t const edge = finder.nearest(local(p)).edge;
+        whole.path = neighbourhood(path, edge);
+        if (!calc_nearest_points(whole, {p}, nearest)) return false;
+        spot const away = {p.x() - nearest[0].x(), p.y() - nearest[0].y()},
+                   along = line.at[std::min(edge + 1, line.at.size() - 1)] - line.at[edge];
+        double const side = along.x * away.y - along.y * away.x;
+        fitted.residuals.push_back(std::copysign(distance2d(p, nearest[0]), to_the_right ? -side : side));
+    }
+    return true;
+}
+
+// An interpolating path has the points themselves for joints, so that nothing is left to be measured.
+bool fit_residuals(fit_input const& in, curve const& path, bool closed, bool interpolates,
+                   fitted_feature& fitted) {
+    if (!interpolates) return measure_path(in, path, closed, fitted);
+    fitted.residuals.assign(in.points.size(), 0.0);
     return true;
 }
 
@@ -65,7 +94,7 @@ bool fit_spline(fit_input const& in, bool closed, fitted_feature& fitted) {
     if constexpr (requires { record->area; }) {
         calculate_closed_bezier_moments(record->path, record->area, record->centroid);
     }
-    return measure_path(in, render(record->path, closed, 16), closed, fitted);
+    return fit_residuals(in, record->path, closed, in.known.method != path_method::least_squares, fitted);
 }
 
 bool fit_nurb(fit_input const& in, bool closed, fitted_feature& fitted) {
@@ -78,7 +107,7 @@ bool fit_nurb(fit_input const& in, bool closed, fitted_feature& fitted) {
     fitted.method = points.size() > 100 ? "least squares" : "interpolating";
     double area = 0, length = 0;
     if (closed) compute_moments(idioms::array<nurb>(1u, record->geometry), area, length, record->center);
-    return measure_path(in, record->geometry.render(16, closed), closed, fitted);
+    return fit_residuals(in, record->geometry.render_bezier(), closed, points.size() <= 100, fitted);
 }
 
 }  // namespace

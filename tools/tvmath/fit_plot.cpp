@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 #include <map>
 
@@ -24,6 +25,18 @@ std::string title_of(fit_result const& result) {
     return title;
 }
 
+// The names of the files without their folders, which say nothing to a reader elsewhere.
+std::string names_of(std::string const& files) {
+    std::string names;
+    for (std::size_t from = 0; from <= files.size();) {
+        std::size_t const to = std::min(files.find(" + ", from), files.size());
+        names += (from > 0 ? " + " : "") +
+                 std::filesystem::path(files.substr(from, to - from)).filename().string();
+        from = to + 3;
+    }
+    return names;
+}
+
 std::string cut(canvas& c, std::string words, text_style const& style, double width) {
     if (c.text_width(words, style) <= width) return words;
     while (words.size() > 1 && c.text_width(words + " \u2026", style) > width) {
@@ -39,9 +52,10 @@ void draw_title(canvas& c, fit_result const& result) {
                      small = {.size = 9.5, .ink = faint_ink};
     std::string const title = title_of(result);
     c.text({28, 34}, title, big);
-    c.text({28 + c.text_width(title, big) + 12, 34},
-           cut(c, result.file, {.size = 12, .ink = text_ink}, right - 28 - c.text_width(title, big)),
-           {.size = 12, .ink = text_ink});
+    c.text(
+        {28 + c.text_width(title, big) + 12, 34},
+        cut(c, names_of(result.file), {.size = 12, .ink = text_ink}, right - 28 - c.text_width(title, big)),
+        {.size = 12, .ink = text_ink});
     std::string words = result.method + (result.forgets_z() ? ", fitted in XY" : "");
     for (std::string const& condition : result.conditions) words += "  \u00b7  " + condition;
     c.text({28, 51}, cut(c, words, small, right - 28), small);

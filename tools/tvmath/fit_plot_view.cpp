@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t most_avoided = 400;  // labels keep clear of so many points
 constexpr std::size_t least_dense = 24;    // from that many on the profile is drawn as a line
+constexpr double least_edge = 0.2;         // of outlines, in points of the page
 constexpr double cell = 2.4;               // of thinning, in points of the page
 
 // Of all points in one cell of the page those with the greatest and the least residual stay, so no extreme
@@ -42,7 +43,15 @@ std::vector<std::size_t> visible_points(std::vector<spot> const& at, std::vector
 
 canvas_path polygon(plot_panel const& panel, outline const& o, double offset, canvas_path path = {}) {
     path.interrupt();
-    for (std::size_t i = 0; i < o.at.size(); ++i) path.line_to(panel.at(o.at[i] + offset * o.out[i]));
+    spot last;
+    for (std::size_t i = 0; i < o.at.size(); ++i) {
+        spot const p = panel.at(o.at[i] + offset * o.out[i]);
+        // A path of a million vertices has no more than the eye can tell apart.
+        bool const is_seen = std::hypot(p.x - last.x, p.y - last.y) > least_edge;
+        if (i > 0 && i + 1 < o.at.size() && !is_seen) continue;
+        path.line_to(p);
+        last = p;
+    }
     if (o.closed && !o.at.empty()) path.close();
     return path;
 }

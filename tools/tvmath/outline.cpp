@@ -115,8 +115,8 @@ void outline_finder::try_edge(std::size_t which, std::size_t index, spot p, outl
     bool const at_corner = t == 0.0 || t == 1.0;
     spot out = !at_corner ? unit({-d.y, d.x}) : distance > 1e-9 * longest_edge_ ? unit(away) : unit(way);
     if (dot(out, way) < 0) out = -1.0 * out;
-    best = {foot, out, along_[which][index] + t * tvmath::length(d), which,
-            dot(away, way) < 0 ? -distance : distance};
+    best = {foot,  out,   along_[which][index] + t * tvmath::length(d),
+            which, index, dot(away, way) < 0 ? -distance : distance};
 }
 
 outline_foot outline_finder::nearest(spot p) const {

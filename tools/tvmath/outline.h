@@ -27,6 +27,7 @@ struct outline_foot {
     spot at, out;           ///< `out` has length 1
     double along = 0;       ///< length of the outline up to it
     std::size_t which = 0;  ///< outline of the list
+    std::size_t edge = 0;   ///< its first vertex
     double distance = 0;    ///< positive on the positive side
 };
 
