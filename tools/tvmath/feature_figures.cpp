@@ -30,8 +30,7 @@ public:
         double const middle = r.circle.basis(1).angle2d();
         add("start angle", figure_kind::angle, std::remainder(middle - r.included_angle / 2, 2 * pi));
         add("end angle", figure_kind::angle, std::remainder(middle + r.included_angle / 2, 2 * pi));
-        add("included angle", figure_kind::number, r.included_angle);
-        figures.back().kind = figure_kind::angle;
+        add("included angle", figure_kind::angle, r.included_angle);
         add("length", figure_kind::length, std::fabs(r.included_angle) * r.circle.radius());
     }
     void list(Ellipse_Description const& r) {

@@ -41,6 +41,9 @@ struct fit_view {
 
 fit_view view_of(fit_result const& result);
 
+/// Of a feature in the plane with its points. False, `view` untouched, for a kind without an outline there.
+bool planar_view_of(Geometry_Description const& record, std::vector<point> const& points, point const& origin,
+                    fit_view& view);
 /// Of the kinds in space.
 fit_view solid_view_of(fit_result const& result);
 

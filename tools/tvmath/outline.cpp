@@ -75,17 +75,18 @@ outline make_outline(curve const& path, bool closed, point const& origin) {
 outline_finder::outline_finder(std::vector<outline> const& outlines) : outlines_(outlines) {
     spot low = {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
     spot high = -1.0 * low;
+    double length = 0;
     for (std::size_t w = 0; w < outlines.size(); ++w) {
         std::vector<spot> const& at = outlines[w].at;
         std::vector<double>& along = along_.emplace_back();
         for (std::size_t i = 0; i < at.size(); ++i) {
             low = {std::min(low.x, at[i].x), std::min(low.y, at[i].y)};
             high = {std::max(high.x, at[i].x), std::max(high.y, at[i].y)};
-            along.push_back(length_);
+            along.push_back(length);
             if (i + 1 == at.size() && !outlines[w].closed) break;
             double const edge = tvmath::length(at[(i + 1) % at.size()] - at[i]);
             longest_edge_ = std::max(longest_edge_, edge);
-            length_ += edge;
+            length += edge;
         }
     }
     by_x_ = high.x - low.x >= high.y - low.y;

@@ -37,8 +37,6 @@ class outline_finder {
 public:
     explicit outline_finder(std::vector<outline> const& outlines);
     outline_foot nearest(spot p) const;
-    /// Of all outlines, one after the other.
-    double length() const { return length_; }
 
 private:
     struct vertex {
@@ -51,7 +49,7 @@ private:
     std::vector<outline> const& outlines_;
     std::vector<std::vector<double>> along_;  // at each vertex
     std::vector<vertex> sorted_;
-    double longest_edge_ = 0, length_ = 0;
+    double longest_edge_ = 0;
     bool by_x_ = true;
 };
 
