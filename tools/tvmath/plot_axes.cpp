@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "fit_plot_parts.h"
 
 inline namespace tvmath {
