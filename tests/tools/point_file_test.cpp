@@ -6,7 +6,7 @@
 #include <locale>
 #include <sstream>
 
-#include "report.h"
+#include "fit_report.h"
 #include "support/seeded_random.h"
 #include "support/shape_points.h"
 
@@ -107,17 +107,16 @@ TEST(PointFile, DoesNotFollowTheLocale) {
     std::vector<point> points;
     read_error error;
     bool const read = read_points(in, false, points, error);
+    fit_result result;
+    std::string reason;
+    bool is_usage = false;
+    bool const found = fit_feature(*find_fit_kind("point"), points, {1}, {}, result, reason, is_usage);
     std::ostringstream out;
-    write_text(out, {"F", "point", 2, 1000, at(1234.5, 2.5), point(), 0, 0});
+    if (found) write_text(out, result);
     std::locale::global(before);
 
     EXPECT_TRUE(read && points == std::vector<point>{at(1234.5, 2.5)}) << error.reason;
-    EXPECT_EQ(out.str(),
-              "point  F\n"
-              "  center x      1234.5\n"
-              "  center y         2.5\n"
-              "  points        1000\n"
-              "  rms residual     0.0\n");
+    EXPECT_NE(out.str().find("center x            1234.5\n"), std::string::npos) << out.str();
 }
 
 // Nearly all lines have 15 bytes, and 2^20 leaves 1 over 15: the borders of the 13 chunks of 1 MiB that are

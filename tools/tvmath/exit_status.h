@@ -3,10 +3,10 @@
 inline namespace tvmath {
 
 /// What the program tells its caller. The numbers are an interface: scripts test them. Ordered by gravity, so
-/// that of several files the largest status is the status of the run. 1 is kept for a feature out of
-/// tolerance.
+/// that of several files the largest status is the status of the run.
 enum class exit_status : int {
     done = 0,
+    out_of_tolerance = 1,
     wrong_usage = 2,
     unreadable_input = 3,
     no_answer = 4,  ///< too few points, or points that no feature goes through

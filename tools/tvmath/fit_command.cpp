@@ -1,143 +1,159 @@
 #include "fit_command.h"
 
-#include <algorithm>
-#include <cmath>
+#include <filesystem>
 #include <ostream>
 
+#include "file_output.h"
+#include "fit_plot.h"
+#include "fit_report.h"
+#include "fit_result.h"
+#include "number_text.h"
 #include "point_file.h"
-#include "tvmath/quick_fit.h"
 
 inline namespace tvmath {
 namespace {
 
-// Signed distance of p from the feature, in the space that the feature lives in.
-double residual(fit_result const& fit, point const& p) {
-    double const dx = p.x() - fit.center.x(), dy = p.y() - fit.center.y();
-    if (fit.feature == "line") return fit.direction.x() * dy - fit.direction.y() * dx;
-    bool const in_space = p.is_3d() && fit.center.is_3d() && fit.feature != "circle";
-    double const distance = in_space ? std::hypot(dx, dy, p.z() - fit.center.z()) : std::hypot(dx, dy);
-    return distance - fit.radius;  // a point has radius 0
+std::string suffix_of(std::string const& name) {
+    return std::filesystem::path(name).extension().string();
 }
 
-// In units of the largest residual, so that no square overflows, nor underflows where it matters.
-double rms_residual(fit_result const& fit, std::vector<point> const& points) {
-    double largest = 0, sum = 0;
-    for (point const& p : points) {
-        double const r = std::fabs(residual(fit, p));
-        if (!std::isfinite(r)) return r;  // max() would pass over a NaN
-        largest = std::max(largest, r);
+// What can be wrong with a request before any file is read.
+exit_status check(fit_request const& request, fit_kind const* kind, fit_conditions& known,
+                  std::string& reason) {
+    if (!kind) {
+        reason = "there is no kind '" + shown_name(request.kind) + "' (tvmath fit --help lists them)";
+        return exit_status::wrong_usage;
     }
-    if (largest == 0.0) return 0;
-    for (point const& p : points) {
-        double const r = residual(fit, p) / largest;
-        sum += r * r;
+    if (!read_conditions(request, *kind, known, reason)) return exit_status::wrong_usage;
+    std::string const name = kind->name;
+    if (name == "transform" && request.onto.empty()) {
+        reason = "a transform takes --onto FILE, the points that it leads to";
+        return exit_status::wrong_usage;
     }
-    return largest * std::sqrt(sum / static_cast<double>(points.size()));
+    bool const single = request.files.size() == 1 || kind->takes_all_files;
+    if (!single && !(request.plot.empty() && request.residuals.empty())) {
+        reason = "--plot and --residuals go with one FILE at a time";
+        return exit_status::wrong_usage;
+    }
+    if (!request.plot.empty() && !is_picture_suffix(suffix_of(request.plot))) {
+        reason = is_picture_suffix(".svg") ? "--plot: the suffix must be .svg, .png or .pdf"
+                                           : "--plot: this build makes no pictures";
+        return exit_status::wrong_usage;
+    }
+    return exit_status::done;
 }
 
-bool is_finite(point const& p) {
-    return std::isfinite(p.x()) && std::isfinite(p.y()) && (!p.is_3d() || std::isfinite(p.z()));
-}
+// The work on the files of one request.
+class fit_run {
+public:
+    fit_run(fit_request const& request, fit_kind const& kind, fit_conditions const& known, std::ostream& out,
+            std::ostream& err)
+        : request_(request), kind_(kind), known_(known), out_(out), err_(err) {}
 
-bool is_finite(fit_result const& fit) {
-    return is_finite(fit.center) && (fit.direction.is_trivial() || is_finite(fit.direction)) &&
-           std::isfinite(fit.radius) && std::isfinite(fit.rms_residual);
-}
+    exit_status run() {
+        if (!request_.onto.empty() && !read(request_.onto, known_.onto)) return status_;
+        if (kind_.takes_all_files) {
+            fit_together();
+        } else {
+            for (std::string const& file : request_.files) fit_alone(file);
+        }
+        // Without any result there is nothing to say, so a caller may test for output.
+        if (request_.json && !results_.empty()) write_json(out_, results_);
+        return status_;
+    }
 
-struct feature_rule {
-    char const* name;
-    std::size_t least_points;
-    char const* when_singular;
-    bool (*fit)(std::vector<point> const&, fit_result&);
-};
+private:
+    void note(exit_status status) { status_ = worse(status_, status); }
 
-feature_rule const feature_rules[] = {
-    {"point", 1, "the points have no centroid",
-     [](std::vector<point> const& points, fit_result& fit) {
-         fit.center = point_fit(points);
-         return !fit.center.is_trivial();
-     }},
-    {"line", 2, "the points scatter equally in every direction, or are all equal",
-     [](std::vector<point> const& points, fit_result& fit) {
-         // Equal points give the zero direction, which is no line for anybody who asked for one.
-         return line_quick_fit(points, fit.center, fit.direction) &&
-                !(fit.direction.x() == 0.0 && fit.direction.y() == 0.0);
-     }},
-    {"circle", 3, "the points lie on one line, or are fewer than 3 different ones",
-     [](std::vector<point> const& points, fit_result& fit) {
-         return circle_quick_fit(points, fit.center, fit.radius);
-     }},
-    {"sphere", 4, "the points lie in one plane, or are fewer than 4 different ones",
-     [](std::vector<point> const& points, fit_result& fit) {
-         return sphere_quick_fit(points, fit.center, fit.radius);
-     }},
+    bool read(std::string const& file, std::vector<point>& points) {
+        read_error error;
+        if (read_point_file(file, request_.decimal_comma, points, error)) return true;
+        err_ << error_text(file, error) << '\n';
+        note(exit_status::unreadable_input);
+        return false;
+    }
+
+    void fit_alone(std::string const& file) {
+        std::vector<point> points;
+        if (read(file, points)) fit(shown_name(file), points, {points.size()});
+    }
+
+    void fit_together() {
+        std::vector<point> all;
+        std::vector<std::size_t> sizes;
+        std::string names;
+        for (std::string const& file : request_.files) {
+            std::vector<point> points;
+            if (!read(file, points)) return;
+            if (!all.empty() && all.front().dimension() != points.front().dimension()) {
+                err_ << error_text(file, {0, "points of another dimension than those of the first file"})
+                     << '\n';
+                return note(exit_status::unreadable_input);
+            }
+            all.insert(all.end(), points.begin(), points.end());
+            sizes.push_back(points.size());
+            names += (names.empty() ? "" : " + ") + shown_name(file);
+        }
+        fit(names, all, sizes);
+    }
+
+    void fit(std::string const& name, std::vector<point> const& points,
+             std::vector<std::size_t> const& sizes) {
+        fit_result result;
+        std::string reason;
+        bool is_usage = false;
+        if (!fit_feature(kind_, points, sizes, known_, result, reason, is_usage)) {
+            err_ << name << ": " << reason << '\n';
+            return note(is_usage ? exit_status::wrong_usage : exit_status::no_answer);
+        }
+        result.file = name;
+        if (!result.is_in_tolerance()) {
+            err_ << name << ": out of tolerance: the form error " << number_text(result.form_error)
+                 << " is above " << number_text(*result.tolerance) << '\n';
+            note(exit_status::out_of_tolerance);
+        }
+        if (!request_.json) {
+            if (!results_.empty()) out_ << '\n';
+            write_text(out_, result);
+        }
+        write_files(result);
+        // Reports need them no more, and of many large files they would fill the memory.
+        result.points = {};
+        result.residuals = {};
+        results_.push_back(std::move(result));
+    }
+
+    void write_files(fit_result const& result) {
+        if (!request_.residuals.empty()) note(write_file(request_.residuals, residual_table(result), err_));
+        if (request_.plot.empty()) return;
+        std::string const bytes = fit_plot(result, suffix_of(request_.plot));
+        if (bytes.empty()) {
+            err_ << shown_name(request_.plot) << ": the picture cannot be made\n";
+            return note(exit_status::internal);
+        }
+        note(write_file(request_.plot, bytes, err_));
+    }
+
+    fit_request const& request_;
+    fit_kind const& kind_;
+    fit_conditions known_;
+    std::ostream &out_, &err_;
+    std::vector<fit_result> results_;
+    exit_status status_ = exit_status::done;
 };
 
 }  // namespace
 
-bool fit_feature(std::string const& feature, std::vector<point> const& points, fit_result& result,
-                 std::string& reason) {
-    auto const rule = std::find_if(std::begin(feature_rules), std::end(feature_rules),
-                                   [&feature](feature_rule const& r) { return r.name == feature; });
-    if (rule == std::end(feature_rules)) {
-        reason = "unknown feature " + feature;
-        return false;
-    }
-    if (points.size() < rule->least_points) {
-        reason = "a " + feature + " needs at least " + std::to_string(rule->least_points) + " points, not " +
-                 std::to_string(points.size());
-        return false;
-    }
-    fit_result fit;
-    fit.feature = feature;
-    fit.points = points.size();
-    fit.dimension = points.front().dimension();
-    if (feature == "sphere" && fit.dimension == 2) {
-        reason = "a sphere needs points with x, y and z; these have x and y";
-        return false;
-    }
-    if (!rule->fit(points, fit)) {
-        reason = "no " + feature + " is determined: " + rule->when_singular;
-        return false;
-    }
-    fit.rms_residual = rms_residual(fit, points);
-    if (!is_finite(fit)) {
-        reason =
-            "no " + feature + " is determined: the coordinates are too large or too small to calculate with";
-        return false;
-    }
-    result = fit;
-    return true;
-}
-
 exit_status run_fit(fit_request const& request, std::ostream& out, std::ostream& err) {
-    exit_status status = exit_status::done;
-    std::vector<fit_result> results;
-    for (std::string const& file : request.files) {
-        std::vector<point> points;
-        read_error error;
-        if (!read_point_file(file, request.decimal_comma, points, error)) {
-            err << error_text(file, error) << '\n';
-            status = worse(status, exit_status::unreadable_input);
-            continue;
-        }
-        fit_result result;
-        error.line = 0;
-        if (!fit_feature(request.feature, points, result, error.reason)) {
-            err << error_text(file, error) << '\n';
-            status = worse(status, exit_status::no_answer);
-            continue;
-        }
-        result.file = file;
-        if (!request.json) {
-            if (!results.empty()) out << '\n';
-            write_text(out, result);
-        }
-        results.push_back(result);
+    fit_kind const* const kind = find_fit_kind(request.kind);
+    fit_conditions known;
+    std::string reason;
+    exit_status const status = check(request, kind, known, reason);
+    if (status != exit_status::done) {
+        err << "tvmath: " << reason << '\n';
+        return status;
     }
-    // Without any result there is nothing to say, so a caller may test for output.
-    if (request.json && !results.empty()) write_json(out, results);
-    return status;
+    return fit_run(request, *kind, known, out, err).run();
 }
 
 }  // namespace tvmath

@@ -9,6 +9,8 @@
 
 #include "exit_status.h"
 #include "fit_command.h"
+#include "fit_kinds.h"
+#include "record_parameters.h"
 #include "render_command.h"
 #include "tvmath/version.h"
 
@@ -18,9 +20,12 @@ namespace {
 // Examples come first in every help: most readers look for a line to copy.
 char const* const examples =
     "Examples:\n"
-    "  tvmath fit circle bore.csv                  centre, radius and residual of a circle\n"
+    "  tvmath fit circle bore.csv --plot bore.svg  centre, radius, roundness, and a picture of them\n"
     "  tvmath fit line left.csv right.csv --json   two lines, for a program to read\n"
-    "  cat part*.xyz | tvmath fit sphere -         one sphere through the points of several files\n"
+    "  tvmath fit arc edge.csv --tangent 0 0 9 0 --tolerance 0.02\n"
+    "                                              an arc that touches a line, with an exit status of 1\n"
+    "                                              when its points are out of round\n"
+    "  cat part*.xyz | tvmath fit cylinder -       one cylinder through the points of several files\n"
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
     "                                              an ellipse, its parallel and their bounding rectangles\n";
 
@@ -38,21 +43,51 @@ void complain(std::string message) {
     std::cerr << "tvmath: " << message << '\n';
 }
 
+// An option whose words, each a text of numbers, are kept for every time that it is given.
+void add_numbers(CLI::App& app, char const* name, std::vector<std::string>& texts, char const* form,
+                 char const* what) {
+    app.add_option(name, texts, what)->type_name(form)->expected(1)->take_all()->allow_extra_args(false);
+}
+
 void add_fit(CLI::App& app, fit_request& request) {
     CLI::App* const fit = app.add_subcommand("fit", "Fit a feature to the points of each file");
-    fit->add_option("FEATURE", request.feature, "point, line, circle or sphere")
-        ->required()
-        ->type_name("")
-        ->check(CLI::IsMember({"point", "line", "circle", "sphere"}).description(""));
+    fit->add_option("KIND", request.kind, "What to fit, as listed below")->required()->type_name("");
     fit->add_option("FILE", request.files, "Points as CSV or XYZ text, 2 or 3 columns; - is standard input")
         ->required()
         ->type_name("");
+    add_numbers(*fit, "--center", request.center, "X Y [Z]", "The centre is known; a line passes it");
+    add_numbers(*fit, "--through", request.through, "X Y [Z]", "Passes this point; may be repeated");
+    add_numbers(*fit, "--tangent", request.tangent, "X1 Y1 X2 Y2",
+                "Touches this line, or a sphere the plane X Y Z NX NY NZ; may be repeated");
+    add_numbers(*fit, "--parallel", request.parallel, "DX DY [DZ]",
+                "The direction, axis or normal is known; of a line also that of X1 Y1 X2 Y2");
+    add_numbers(*fit, "--perpendicular", request.perpendicular, "DX DY",
+                "At a right angle to this direction, or to the line X1 Y1 X2 Y2");
+    add_numbers(*fit, "--nominal", request.nominal, "'KIND PARAMETERS'",
+                "The nominal feature, in the words of tvmath render; a composite takes one for each FILE");
+    fit->add_flag("--quick", request.quick, "The closed form: algebraic where the kind has such a fit");
+    fit->add_flag("--diameter", request.diameter, "The circle on two points as its diameter");
+    fit->add_option("--method", request.method,
+                    "Of a path: interpolating (the first choice), least-squares or minimum-curvature")
+        ->type_name("NAME");
+    fit->add_flag("--sort", request.sort, "The points of the path come in any order");
+    fit->add_option("--onto", request.onto,
+                    "The points, in pairs with those of FILE, that a transform leads to")
+        ->type_name("FILE");
+    fit->add_option("--residuals", request.residuals,
+                    "Write a row for each point: index, coordinates, residual")
+        ->type_name("OUT.csv");
+    fit->add_option("--plot", request.plot, "Draw the points, the feature and the residuals")
+        ->type_name("PICTURE.svg|png|pdf");
+    fit->add_option("--tolerance", request.tolerance, "Exit with 1 when the form error is above")
+        ->type_name("T");
     fit->add_flag("--json", request.json, "Write JSON instead of text");
     fit->add_option_function<std::string>(
            "--decimal", [&request](std::string const&) { request.decimal_comma = true; },
-           "The decimal mark of the numbers, when it is a comma")
+           "The decimal mark of the numbers in the files, when it is a comma")
         ->type_name(",")
         ->check(CLI::IsMember({","}).description(""));
+    fit->footer(fit_kinds_help());
 }
 
 CLI::App* add_render(CLI::App& app, render_request& request) {
@@ -76,12 +111,38 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
     return render;
 }
 
-// The arguments in the order that the parser wants, the last one first. To it -5 is a number and -.5 an
-// unknown option.
+bool is_number(std::string const& word) {
+    double ignored = 0;
+    std::string reason;
+    return parse_parameter(word, ignored, reason);
+}
+
+// How many numbers follow an option at most; 0 for an option of another kind. A file whose name is a number
+// is written with its folder.
+std::size_t most_numbers(std::string const& word) {
+    if (word == "--center" || word == "--through") return 3;
+    if (word == "--parallel" || word == "--perpendicular") return 4;
+    return word == "--tangent" ? 6 : 0;
+}
+
+// The arguments in the order that the parser wants, the last one first. The numbers behind an option become
+// one word with it, since the parser cannot tell them from the files that follow. To it -5 is a number and
+// -.5 an unknown option.
 std::vector<std::string> words_of(int argc, char** argv) {
-    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
-    for (std::string& word : words) {
+    std::vector<std::string> const given(argv + std::min(argc, 1), argv + argc);
+    std::vector<std::string> words;
+    for (std::size_t i = 0; i < given.size(); ++i) {
+        std::string word = given[i];
+        std::size_t const most = most_numbers(word);
         if (word.starts_with("-.")) word.insert(1, "0");
+        // A text of several numbers in quotes is not one, but may begin with a minus sign as well.
+        bool const in_quotes = most > 0 && i + 1 < given.size() && !given[i + 1].starts_with("--");
+        for (std::size_t n = 0; n < most && i + 1 < given.size(); ++n) {
+            if (!is_number(given[i + 1]) && !(n == 0 && in_quotes)) break;
+            word += (n == 0 ? "=" : " ") + given[++i];
+            if (n == 0 && !is_number(given[i])) break;
+        }
+        words.push_back(word);
     }
     std::reverse(words.begin(), words.end());
     return words;
@@ -99,7 +160,7 @@ exit_status run(int argc, char** argv) {
     CLI::App const* const render = add_render(app, to_render);
     try {
         app.parse(words_of(argc, argv));
-        if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") > 1) {
+        if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1) {
             throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
         }
     } catch (CLI::ParseError const& error) {

@@ -3,12 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "canvas.h"
 #include "drawing.h"
 
 inline namespace tvmath {
-
-/// Whether `suffix` (".svg", ".png", ".pdf") is a picture that this build can make.
-bool is_picture_suffix(std::string const& suffix);
 
 /// The bytes of a picture of that suffix with the drawings in rows of `columns`, each in a cell of its own
 /// scale with its title, the numbers of its extent and the same colours for the same roles. Empty when the

@@ -1,14 +1,12 @@
 #include "render_command.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <ostream>
 #include <sstream>
 
 #include "drawing.h"
+#include "file_output.h"
 #include "picture.h"
 #include "point_file.h"
 #include "record_parameters.h"
@@ -150,15 +148,7 @@ exit_status run_render(render_request const& request, std::ostream& out, std::os
         out << bytes;
         return exit_status::done;
     }
-    errno = 0;
-    std::ofstream file(request.output, std::ios::binary);
-    file << bytes;
-    file.close();
-    if (!file) {
-        err << shown_name(request.output) << ": cannot be written: " << std::strerror(errno) << '\n';
-        return exit_status::internal;
-    }
-    return exit_status::done;
+    return write_file(request.output, bytes, err);
 }
 
 std::string render_kinds_help() {

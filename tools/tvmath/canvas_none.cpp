@@ -1,4 +1,4 @@
-#include "picture.h"
+#include "canvas.h"
 
 // A build without the drawing library: tables are all that it can write.
 
@@ -8,8 +8,8 @@ bool is_picture_suffix(std::string const&) {
     return false;
 }
 
-std::string picture_bytes(std::vector<drawing> const&, int, std::string const&) {
-    return {};
+std::unique_ptr<canvas> make_canvas(std::string const&, double, double) {
+    return nullptr;
 }
 
 }  // namespace tvmath

@@ -1,0 +1,184 @@
+#include "fit_plot.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "fit_cases.h"
+#include "fit_plot_parts.h"
+#include "fit_view.h"
+
+inline namespace tvmath {
+namespace {
+
+// Keeps what is drawn. Letters are as wide as those of a common font, a little generously.
+class recording_canvas : public canvas {
+public:
+    struct words {
+        std::string text;
+        double left, top, right, bottom;
+    };
+    std::vector<words> texts;
+    std::vector<spot> places;
+    std::size_t dot_count = 0;
+
+    void stroke(canvas_path const& path, pen const& with) override {
+        EXPECT_TRUE(std::isfinite(with.width) && with.width >= 0);
+        keep(path.places());
+    }
+    void fill(canvas_path const& path, color) override { keep(path.places()); }
+    void dots(std::vector<spot> const& at, double, color) override {
+        keep(at);
+        dot_count += at.size();
+    }
+    void text(spot at, std::string const& text, text_style const& style) override {
+        double width = text_width(text, style), height = 0.73 * style.size;
+        double left = at.x - style.across * width, bottom = at.y + style.up * height;
+        if (style.vertical) {
+            texts.push_back(
+                {text, at.x - height, at.y - (1 - style.across) * width, at.x, at.y + style.across * width});
+        } else {
+            texts.push_back({text, left, bottom - height, left + width, bottom});
+        }
+    }
+    double text_width(std::string const& text, text_style const& style) override {
+        auto const letters =
+            std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
+        return 0.58 * style.size * static_cast<double>(letters);
+    }
+    void begin_clip(spot, double, double) override {}
+    void end_clip() override {}
+    std::string finish() override { return {}; }
+
+    bool says(std::string const& part) const {
+        return std::any_of(texts.begin(), texts.end(),
+                           [&part](words const& w) { return w.text.find(part) != std::string::npos; });
+    }
+
+private:
+    void keep(std::vector<spot> const& at) { places.insert(places.end(), at.begin(), at.end()); }
+};
+
+// Everything is on the page, no text lies upon another, and what a reader needs is said.
+void expect_readable(fit_result const& result) {
+    recording_canvas c;
+    draw_fit(c, result);
+    for (spot const& p : c.places) ASSERT_TRUE(std::isfinite(p.x) && std::isfinite(p.y));
+    for (std::size_t i = 0; i < c.texts.size(); ++i) {
+        auto const& a = c.texts[i];
+        EXPECT_TRUE(a.left > 0 && a.top > 0 && a.right < fit_page_width && a.bottom < fit_page_height)
+            << a.text;
+        for (std::size_t k = 0; k < i; ++k) {
+            auto const& b = c.texts[k];
+            bool const apart =
+                a.right <= b.left || b.right <= a.left || a.bottom <= b.top || b.bottom <= a.top;
+            EXPECT_TRUE(apart || a.text.empty() || b.text.empty())
+                << '\'' << a.text << "' upon '" << b.text << '\'';
+        }
+    }
+    EXPECT_GT(c.dot_count, 0u);
+    std::string const name =
+        result.has_standard_names ? result.kind->form.symbol : "orm error";  // also at the start of a line
+    EXPECT_TRUE(c.says(name));
+    EXPECT_TRUE(c.says("residuals") || c.says("no residual"));
+    fit_view const view = view_of(result);
+    if (make_fit_picture(result, view).is_rounding) {
+        EXPECT_TRUE(c.says("rounding"));
+    } else {
+        EXPECT_TRUE(c.says("point " + std::to_string(result.highest.index + 1)));
+        EXPECT_TRUE(c.says("point " + std::to_string(result.lowest.index + 1)));
+    }
+}
+
+fit_case scattered(fit_case c, double size, point offset, double noise, seeded_random& random) {
+    for (point& p : c.points) {
+        p.x() = size * p.x() + offset.x() + noise * random.normal();
+        p.y() = size * p.y() + offset.y() + noise * random.normal();
+        if (p.is_3d()) p.z() = size * p.z() + noise * random.normal();
+    }
+    return c;
+}
+
+TEST(FitPlot, IsReadableForEveryKindPerfectOrScatteredSmallOrFar) {
+    seeded_random random(2);
+    for (fit_case const& c : fit_cases()) {
+        SCOPED_TRACE(c.kind);
+        expect_readable(fitted(c));
+        if (c.request.center.size() + c.request.through.size() + c.request.tangent.size() +
+                c.request.nominal.size() + c.request.diameter >
+            0)
+            continue;  // conditions stay where they are
+        for (double const size : {1e-3, 1.0, 1e4}) {
+            for (point const& offset : {at(0, 0), at(123456.7 * size, -3e5 * size)}) {
+                fit_case const moved = scattered(c, size, offset, 1e-4 * size, random);
+                fit_kind const* const kind = find_fit_kind(c.kind);
+                fit_conditions known;
+                std::string reason;
+                ASSERT_TRUE(read_conditions(moved.request, *kind, known, reason)) << reason;
+                for (point const& p : c.points)
+                    known.onto.push_back(at(size * (5 - 2 * p.y()), size * p.x()));
+                fit_result result;
+                bool is_usage = false;
+                if (!fit_feature(*kind, moved.points, {moved.points.size()}, known, result, reason, is_usage))
+                    continue;  // the fit is not the subject here
+                result.file = "a file with a long name, in a folder with a long name, of a part.csv";
+                SCOPED_TRACE(std::to_string(size) + " at " + std::to_string(offset.x()));
+                expect_readable(result);
+            }
+        }
+    }
+}
+
+// The whiskers begin on the feature and end, not enlarged, in the measured points.
+TEST(FitPlot, WhiskersLeadFromTheFeatureToThePoints) {
+    seeded_random random(4);
+    for (fit_case const& c : fit_cases()) {
+        if (find_fit_kind(c.kind)->in_space || !c.request.center.empty() || !c.request.nominal.empty())
+            continue;
+        SCOPED_TRACE(c.kind);
+        fit_case moved = scattered(c, 1, at(0, 0), c.request.diameter ? 0 : 1e-4, random);
+        moved.request.onto = "";
+        fit_result const result = fitted(moved);
+        if (std::string(c.kind) == "transform") continue;  // leads to the targets
+        fit_view const view = view_of(result);
+        ASSERT_EQ(view.points.size(), result.points.size());
+        for (std::size_t i = 0; i < result.points.size(); ++i) {
+            view_point const& p = view.points[i];
+            spot const end = view.origin + p.foot + result.residuals[i] * p.out;
+            // The Bezier path of a slot is within 2.8e-4 of its round ends; rings measure along the ray.
+            EXPECT_NEAR(end.x, result.points[i].x(), 3e-4);
+            EXPECT_NEAR(end.y, result.points[i].y(), 3e-4);
+        }
+    }
+}
+
+// A file of many points gives a picture of bounded size, with its extremes.
+TEST(FitPlot, ThinsManyPointsButKeepsTheExtremes) {
+    seeded_random random(6);
+    fit_case c = {"circle", circle_points(random, at(0, 0), 5, 0, 6.28, 100000, 1e-3), {}, {}, 0, 0};
+    c.points[777] = at(5.02, 0.001);
+    recording_canvas canvas;
+    draw_fit(canvas, fitted(c));
+    EXPECT_TRUE(canvas.says("point 778"));
+    EXPECT_LT(canvas.places.size(), 40000u);
+
+    fit_case map = {"sphere", sphere_points(random, at(0, 0, 0), 5, 100000, 1e-3), {}, {}, 0, 0};
+    recording_canvas other;
+    draw_fit(other, fitted(map));
+    EXPECT_LT(other.places.size(), 40000u);
+}
+
+TEST(FitPlot, SaysHowManyTimesTheResidualsAreEnlarged) {
+    std::pair<double, char const*> const cases[] = {
+        {50, "50"}, {2000, "2000"}, {20000, "20 000"}, {3e12, "3 \u00d7 10\u00b9\u00b2"}};
+    for (auto const& [factor, text] : cases) EXPECT_EQ(factor_text(factor), text);
+    fit_case const c = {"circle", {at(1, 7), at(2, 6), at(5, 8), at(7, 7), at(9, 5), at(3, 7)}, {}, {}, 0, 0};
+    recording_canvas canvas;
+    draw_fit(canvas, fitted(c));
+    // A quarter of the radius, 1.18, has room for the greatest residual of 0.774 one and a half times.
+    EXPECT_TRUE(canvas.says("residuals drawn \u00d7 1.5"));
+}
+
+}  // namespace
+}  // namespace tvmath

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "canvas.h"
+#include "fit_result.h"
+#include "fit_view.h"
+#include "plot_axis.h"
+
+inline namespace tvmath {
+
+// Colours that differ for colour-blind eyes and in grey.
+constexpr color above_ink = {0.80, 0.20, 0.12}, below_ink = {0.10, 0.36, 0.72};
+constexpr color feature_ink = {0.10, 0.12, 0.16}, text_ink = {0.13, 0.14, 0.17},
+                faint_ink = {0.45, 0.47, 0.51};
+constexpr color grid_ink = {0.91, 0.92, 0.93}, frame_ink = {0.70, 0.72, 0.75};
+constexpr color zone_ink = {0.96, 0.93, 0.80}, zone_edge_ink = {0.72, 0.62, 0.30};
+
+/// A rectangle of the page in which something is drawn to scale; y of the page grows downward.
+struct plot_panel {
+    spot corner;  ///< upper left
+    double width = 0, height = 0;
+    spot low, high;  ///< of the drawing, at the lower left and upper right corner
+
+    spot at(spot p) const {
+        return {corner.x + (p.x - low.x) / (high.x - low.x) * width,
+                corner.y + (high.y - p.y) / (high.y - low.y) * height};
+    }
+    double scale_x() const { return width / (high.x - low.x); }
+    double scale_y() const { return height / (high.y - low.y); }
+};
+
+/// Frame, grid and ticks, with the names of both axes.
+void draw_axes(canvas& c, plot_panel const& panel, plot_axis const& x, plot_axis const& y,
+               std::string const& x_label, std::string const& y_label);
+
+/// Beyond that many points those are drawn that can be told apart.
+constexpr std::size_t most_single = 1200;
+
+/// A dot of a map: a point, or the mean of neighbouring points.
+struct map_dot {
+    spot at;  ///< in the view
+    double residual = 0;
+};
+
+/// All that the parts of the page share.
+struct fit_picture {
+    fit_result const& result;
+    fit_view const& view;
+    /// How many times the residuals are drawn enlarged; 1 draws them true.
+    double factor = 1;
+    /// The residuals are no more than rounding of the coordinates, and are drawn as 0.
+    bool is_rounding = false;
+    double rounding = 0;  ///< of the coordinates
+    // Of a map.
+    std::vector<map_dot> dots = {};
+    bool has_means = false;  ///< The dots are means of neighbouring points.
+    double color_range = 0;  ///< The residual of the deepest colour.
+};
+
+fit_picture make_fit_picture(fit_result const& result, fit_view const& view);
+
+/// "500", "10 000", "2e+12".
+std::string factor_text(double factor);
+/// Between blue for -1, light grey for 0 and red for 1.
+color residual_color(double part);
+/// "point 20  +0.0234".
+std::string extreme_text(extreme_point const& e, fit_result const& result);
+/// The decimals that show a residual.
+int residual_decimals(fit_result const& result);
+
+/// The feature with its points, in the main panel. Returns the page points for a unit across.
+double draw_view(canvas& c, fit_picture const& picture, spot corner, double width, double height);
+/// The residuals over the natural coordinate.
+void draw_profile(canvas& c, fit_picture const& picture, spot corner, double width, double height);
+/// The figures and the legend.
+void draw_figures(canvas& c, fit_picture const& picture, spot corner, double width, double height,
+                  double view_scale);
+
+}  // namespace tvmath
