@@ -47,7 +47,11 @@ public:
     void take_digits(wide_char const*& at, terminator end) { take_each(at, end); }
     void take_digits(wide_char const*& at, wide_char const* end) {
         if constexpr (std::endian::native == std::endian::little) {
-            while (end - at >= 4 && whole_ <= most_before_four && take_four(at)) at += 4;
+            while (end - at >= 4 && whole_ <= most_before_four) {
+                int const taken = take_up_to_four(at);
+                at += taken;
+                if (taken < 4) return;
+            }
         }
         take_each(at, end);
     }
@@ -73,16 +77,21 @@ private:
             rounded_ = 10 * rounded_ + digit;
         }
     }
-    // Four units in the lanes of one number, the first one lowest; nothing unless all are digits.
-    bool take_four(wide_char const* at) {
-        std::uint64_t lanes;
+    // Takes the digits among the next four units, without a branch on how many there are, which cannot be
+    // foreseen; returns their number.
+    int take_up_to_four(wide_char const* at) {
+        std::uint64_t lanes;  // the first unit lowest
         std::memcpy(&lanes, at, sizeof lanes);
         lanes -= 0x0030003000300030;
-        // A unit below '0' borrows and leaves its lane high; one above '9' carries into bit 7 or is higher.
-        if (((lanes | (lanes + 0x0076007600760076)) & 0xff80ff80ff80ff80) != 0) return false;
+        // What is no digit has a high bit, or gets bit 7 from the sum; what it borrows from or carries into
+        // the lanes above it, behind the last digit, does not matter.
+        std::uint64_t const others = (lanes | (lanes + 0x0076007600760076)) & 0xff80ff80ff80ff80;
+        int const count = std::countr_zero(others) / 16;
+        lanes = lanes << 8 * (4 - count) << 8 * (4 - count);  // a shift by 64 is not defined
         // The highest lane of the product is the sum of 1000, 100, 10 and 1 times the lanes.
-        whole_ = 10000 * whole_ + ((lanes * 0x03e80064000a0001) >> 48);
-        return true;
+        static constexpr std::uint64_t scale[] = {1, 10, 100, 1000, 10000};
+        whole_ = scale[count] * whole_ + ((lanes * 0x03e80064000a0001) >> 48);
+        return count;
     }
 
     std::uint64_t whole_ = 0;  // no longer followed once in_double_

@@ -65,10 +65,11 @@ constexpr auto decades = [] {
 // Of a number, the whole part and what decides the rounding.
 struct rounded_number {
     std::uint64_t whole;
-    bool half;  // at least a half is left
-    bool rest;  // something besides the half
+    std::uint64_t half;  // 1 when at least a half is left
+    std::uint64_t rest;  // 1 when there is something besides the half
 
-    std::uint64_t to_nearest_even() const { return whole + (half && (rest || (whole & 1) != 0)); }
+    // Without branches: which way a number is rounded cannot be foreseen.
+    std::uint64_t to_nearest_even() const { return whole + (half & (rest | (whole & 1))); }
 };
 
 // m f / 2^shift for m < 2^53, f < 2^63 and a shift below 128, whose whole part is below 2^64.
@@ -77,14 +78,14 @@ rounded_number scaled_product(std::uint64_t m, std::uint64_t f, int shift) {
     std::uint64_t const bottom = m0 * f0;
     std::uint64_t const middle = m1 * f0 + m0 * f1 + (bottom >> 32);  // < 2^53 + 2^63 + 2^32
     std::uint64_t const high = m1 * f1 + (middle >> 32), low = (middle << 32) | (bottom & 0xffffffff);
-    if (shift <= 0) return {low << -shift, false, false};
+    if (shift <= 0) return {low << -shift, 0, 0};
     if (shift < 64) {
         std::uint64_t const below = low << (64 - shift);
-        return {(high << (64 - shift)) | (low >> shift), (below >> 63) != 0, (below << 1) != 0};
+        return {(high << (64 - shift)) | (low >> shift), below >> 63, (below << 1) != 0};
     }
-    if (shift == 64) return {high, (low >> 63) != 0, (low << 1) != 0};
+    if (shift == 64) return {high, low >> 63, (low << 1) != 0};
     std::uint64_t const below = high << (128 - shift);
-    return {high >> (shift - 64), (below >> 63) != 0, ((below << 1) | low) != 0};
+    return {high >> (shift - 64), below >> 63, ((below << 1) | low) != 0};
 }
 
 // Removes the zeros that end a fraction, and its point when nothing is left of it.
