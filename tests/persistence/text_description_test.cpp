@@ -194,7 +194,7 @@ TEST(RecordTexts, LeaveTheRecordAloneWhenTheyAreNone) {
                        {0x8, solid},
                        {0x1, "1 2"},
                        {0x1, ""},
-                      
+
                        {0x10, solid},
                        {0x10, "(" + to_utf8(flat) + ") 1"},
                        {0x10, solid + " 1 2"},

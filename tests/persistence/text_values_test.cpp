@@ -22,33 +22,29 @@ wide_string inside(wide_string const& text) {
     return token(0, text.c_str());
 }
 
-TEST(Tokens, AreTheItemsWithoutTheirDelimiters) {
-    struct {
-        char16_t const* text;
-        std::vector<char const*> tokens;
-    } const cases[] = {
-        {u"", {}},
-        {u"   ", {}},
-        {u"  1  two ", {"1", "two"}},
-        {u"(a (b) c)(d)  e", {"a (b) c", "d", "e"}},
-        {u"1(2 3) x", {"1(2", "3)", "x"}},  // an item is delimited by what it opens with
-        {u"[(] 1] {\"} \"( \" )", {"(", "1]", "\"", "( ", ")"}},  // other kinds do not nest
-        {u"((1) 2", {"(1) 2"}},                                   // without its close, to the end
-        {u"1 ((2)", {"1", "(2"}},
-        {u"1 (2  ", {"1", "2"}},
-        {u"() \"\" \"", {"", "", ""}},
-        {u"a\tb\nc", {"a\tb\nc"}},
-    };
-    for (auto const& c : cases) {
-        wide_string const text = as_wide(c.text);
-        tokens const items(c.text);
-        ASSERT_EQ(items.size(), c.tokens.size()) << to_utf8(text);
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            EXPECT_EQ(to_utf8(items.token(i, text.c_str())), c.tokens[i]);
-            EXPECT_EQ(to_utf8(token(i, c.text)), c.tokens[i]);
-        }
-        EXPECT_TRUE(items.token(items.size(), text.c_str()).empty() && token(items.size(), c.text).empty());
+void expect_tokens(char16_t const* text, std::vector<char const*> const& expected) {
+    wide_string const copy = as_wide(text);
+    tokens const items(text);
+    ASSERT_EQ(items.size(), expected.size()) << to_utf8(copy);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        EXPECT_EQ(to_utf8(items.token(i, copy.c_str())), expected[i]);
+        EXPECT_EQ(to_utf8(token(i, text)), expected[i]);
     }
+    EXPECT_TRUE(items.token(items.size(), copy.c_str()).empty() && token(items.size(), text).empty());
+}
+
+TEST(Tokens, AreTheItemsWithoutTheirDelimiters) {
+    expect_tokens(u"", {});
+    expect_tokens(u"   ", {});
+    expect_tokens(u"  1  two ", {"1", "two"});
+    expect_tokens(u"(a (b) c)(d)  e", {"a (b) c", "d", "e"});
+    expect_tokens(u"1(2 3) x", {"1(2", "3)", "x"});  // what an item opens with delimits it
+    expect_tokens(u"[(] 1] {\"} \"( \" )", {"(", "1]", "\"", "( ", ")"});  // other kinds do not nest
+    expect_tokens(u"((1) 2", {"(1) 2"});                                   // without its close, to the end
+    expect_tokens(u"1 ((2)", {"1", "(2"});
+    expect_tokens(u"1 (2  ", {"1", "2"});
+    expect_tokens(u"() \"\" \"", {"", "", ""});
+    expect_tokens(u"a\tb\nc", {"a\tb\nc"});
     EXPECT_TRUE(tokens(nullptr).size() == 0 && token(0, nullptr).empty());
 }
 
@@ -91,28 +87,31 @@ TEST(Readers, TakeTheInsideAndNotTheWhole) {
     EXPECT_TRUE(to_cone(u"(0 0 0 0 0 2 1 0.5 0 0 1)", cone()).is_trivial());
 }
 
-TEST(PointReader, CountsNumbersBetweenBlanks) {
+// On its own, and in a list, where an item that is no point is trivial.
+void expect_point(char16_t const* text, point const& expected) {
     point const fallback = at(7, 7);
-    struct {
-        char16_t const* text;
-        point result;
-    } const cases[] = {
-        {u"1 2", at(1, 2)},        {u"  1   2  ", at(1, 2)}, {u"1 2 3", at(1, 2, 3)},
-        {u"1 2 3 4", at(1, 2, 3)}, {u"1x2 3", at(1, 3)},     {u"x y", at(0, 0)},
-        {u"1\t2 3", at(1, 3)},     {u"\t 5 6", at(5, 5, 6)},  // the first number is the one behind the tab,
-                                                              // and its piece ends at the blank
-        {u"1", fallback},          {u"", fallback},          {u"  ", fallback},
-        {nullptr, fallback}};
-    for (auto const& c : cases) {
-        EXPECT_TRUE(to_point(true, c.text, fallback) == c.result)
-            << text_of(to_point(true, c.text, fallback));
-        // The same in a list, unless the text is a list's end.
-        std::vector<point> list;
-        wide_string const item = u"("_w + as_wide(c.text ? c.text : u"") + u") {3 4}"_w;
-        ASSERT_TRUE(from_ascii(item.c_str(), list) && list.size() == 2);
-        EXPECT_TRUE(list[0] == (c.result == fallback ? point() : c.result) && list[1] == point(false, 3, 4));
-    }
-    EXPECT_TRUE(to_point(false, u"1 2", fallback) == point(false, 1, 2));
+    point const read = to_point(true, text, fallback);
+    EXPECT_TRUE(read == (expected.is_trivial() ? fallback : expected)) << text_of(read);
+    std::vector<point> list;
+    ASSERT_TRUE(from_ascii((u"("_w + as_wide(text) + u") {3 4}"_w).c_str(), list));
+    EXPECT_TRUE(list == std::vector<point>({expected, point(false, 3, 4)})) << text_of(list);
+}
+
+TEST(PointReader, CountsNumbersBetweenBlanks) {
+    expect_point(u"1 2", at(1, 2));
+    expect_point(u"  1   2  ", at(1, 2));
+    expect_point(u"1 2 ", at(1, 2));
+    expect_point(u"1 2 3", at(1, 2, 3));
+    expect_point(u"1 2 3 4", at(1, 2, 3));
+    expect_point(u"1x2 3", at(1, 3));
+    expect_point(u"1\t2 3", at(1, 3));
+    expect_point(u"x y", at(0, 0));
+    expect_point(u"\t 5 6", at(5, 5, 6));  // the number behind the tab, whose piece ends at the blank
+    expect_point(u"1", point());
+    expect_point(u"", point());
+    expect_point(u"  ", point());
+    EXPECT_TRUE(to_point(true, nullptr, at(7, 7)) == at(7, 7));
+    EXPECT_TRUE(to_point(false, u"1 2", point()) == point(false, 1, 2));
 }
 
 TEST(ListReader, GivesAPointForEveryItem) {
