@@ -24,6 +24,10 @@ double read_number(wide_char const* at);
 /// The number at `at`, which is set to the first unit behind it.
 double take_number(wide_char const*& at, wide_char const* end);
 
+/// Where the white space that starts at `at` ends: that of the Unicode standard, which a number may have in
+/// front.
+wide_char const* behind_spaces(wide_char const* at, wide_char const* end);
+
 /// The whole number at the start of the text: white space, a sign, decimal digits. 0 when there is none;
 /// beyond the range of an int, the nearer end of it.
 int read_integer(wide_string_view text);

@@ -187,6 +187,11 @@ double read_number(wide_char const* at) {
     return take(at, terminator());
 }
 
+wide_char const* behind_spaces(wide_char const* at, wide_char const* end) {
+    skip_spaces(at, end);
+    return at;
+}
+
 int read_integer(wide_string_view text) {
     wide_char const* at = text.data();
     wide_char const* const end = at + text.size();

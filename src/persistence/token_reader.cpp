@@ -60,7 +60,9 @@ wide_char const* behind_item(wide_char const* at, wide_char const* end) {
 }  // namespace
 
 item_walk::item_walk(wide_string_view text)
-    : at_(skip_blanks(text.data(), text.data() + text.size())), end_(text.data() + text.size()) {}
+    : at_(skip_blanks(text.data(), text.data() + text.size())),
+      end_(text.data() + text.size()),
+      spaces_end_(at_) {}
 
 void item_walk::go_behind(wide_char const* item_end) {
     at_ = skip_blanks(item_end, end_);
@@ -75,9 +77,13 @@ wide_string_view item_walk::next() {
 
 double item_walk::next_number() {
     if (!starts_number(*at_)) {
-        double const number = number_text::read_number(at_, end_);
+        // White space that is no blank may lead over any number of items to one and the same number.
+        if (at_ >= spaces_end_) {
+            spaces_end_ = number_text::behind_spaces(at_, end_);
+            behind_spaces_ = number_text::read_number(spaces_end_, end_);
+        }
         next();
-        return number;
+        return behind_spaces_;
     }
     wide_char const* behind = at_;
     double const number = number_text::take_number(behind, end_);

@@ -29,6 +29,8 @@ private:
 
     wide_char const* at_;
     wide_char const* end_;
+    wide_char const* spaces_end_;  // of the white space in which an item has started last
+    double behind_spaces_ = 0;     // the number there
 };
 
 /// What an item holds: the item without blanks at its ends, the bracket or quote that it opens with, and the

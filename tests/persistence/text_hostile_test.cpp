@@ -47,6 +47,12 @@ TEST(HostileTexts, AreReadInOneGoAndWithoutDepth) {
     }
     wide_string const opened(1000000, u'('), closed(1000000, u')');
     read_everything(opened);
+    // Every item leads over all that follow to the number at the end.
+    wide_string tabs;
+    for (int i = 0; i < 300000; ++i) tabs += u"\t "_w;
+    vector const numbers = to_vector((tabs + wide_string(300000, u'0') + u"7 8"_w).c_str(), vector());
+    ASSERT_EQ(numbers.capacity(), 300002u);
+    EXPECT_TRUE(numbers[0] == 7 && numbers[299999] == 7 && numbers[300001] == 8);
     std::vector<point> points;
     ASSERT_TRUE(from_ascii((opened + u"1 2"_w + closed + u" (3 4)"_w).c_str(), points) && points.size() == 2);
     EXPECT_TRUE(points[1] == at(3, 4));

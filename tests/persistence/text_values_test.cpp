@@ -5,7 +5,6 @@
 
 #include "support/nurb_curves.h"
 #include "support/shape_points.h"
-#include "support/shape_properties.h"
 #include "tvmath/persistence.h"
 
 inline namespace tvmath {
@@ -190,23 +189,6 @@ TEST(OldSplineReader, WeighsTheControlPoints) {
     for (char const* degree : {"-1", "2147483647", "-2147483648"})
         EXPECT_EQ(read(degree, "(1 2 3)", "1", "0 0"), "()");
     EXPECT_EQ(text_of(to_spline_to_nurb(u"a b c d 1 f g (1 2 3) (1) (0 0 0) k", nurb())), "()");
-}
-
-TEST(Values, ComeBackFromTheirTextsWithEveryBitThatDigitsHold) {
-    seeded_random random(33);
-    for (int trial = 0; trial < 300; ++trial) {
-        transform const t = random_map(random);
-        transform const read = to_transform(inside(to_ascii(t, 17)).c_str(), transform());
-        ASSERT_EQ(read.capacity(), t.capacity());
-        for (unsigned int i = 0; i < t.capacity(); ++i) EXPECT_NEAR(read[i], t[i], 1e-14);
-
-        nurb const n = random_nurb(random);
-        nurb const back = to_nurb(inside(to_ascii(n, 17)).c_str(), nurb());
-        ASSERT_EQ(back.order(), n.order());
-        double const at_parameter = random_parameter(random, n);
-        // A knot may move by its last digit.
-        EXPECT_LT(distance3d(back.evaluate(at_parameter), n.evaluate(at_parameter)), 1e-11);
-    }
 }
 
 }  // namespace
