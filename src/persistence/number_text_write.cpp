@@ -20,9 +20,7 @@ int significant_digits(int precision) {
 }
 
 char* write_text(char* to, char const* text) {
-    std::size_t const length = std::strlen(text);
-    std::memcpy(to, text, length);
-    return to + length;
+    return std::copy_n(text, std::strlen(text), to);
 }
 
 char* write_non_finite(char* to, double value) {
@@ -112,7 +110,7 @@ char* lay_out(char* to, std::uint64_t n, int digits, int decade) {
         return without_zeros(to + digits + 1);
     }
     if (decade < 0 && decade >= -4) {
-        std::memcpy(to, "0.000", 5);
+        std::copy_n("0.000", 5, to);
         to += 1 - decade;
         std::to_chars(to, to + digits, n);
         return without_zeros(to + digits);
@@ -143,7 +141,7 @@ char* lay_out_packed(char* to, std::uint64_t n, int digits, int decade) {
     std::uint64_t const text = values | 0x3030303030303030;
     int const count = 8 - std::countl_zero(values) / 8;  // without the zeros at the end
     if (decade < 0 && decade >= -4) {
-        std::memcpy(to, "0.000", 5);
+        std::copy_n("0.000", 5, to);
         std::memcpy(to + 1 - decade, &text, 8);
         return to + 1 - decade + count;
     }

@@ -46,8 +46,8 @@ wide_string written(std::size_t slot, writer const& write) {
     return text;
 }
 
-bool has_offset(double const* block, unsigned int rows, unsigned int columns) {
-    for (unsigned int row = 0; row < rows; ++row) {
+bool has_offset(double const* block, std::size_t rows, std::size_t columns) {
+    for (std::size_t row = 0; row < rows; ++row) {
         if (block[row * columns] != 0.0) return true;
     }
     return false;
