@@ -1,3 +1,6 @@
+#include <iterator>
+#include <string>
+
 #include "persistence/number_text.h"
 #include "persistence/text_elements.h"
 #include "tvmath/persistence.h"
