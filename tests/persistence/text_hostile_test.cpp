@@ -4,6 +4,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "containers/parallel_for.h"
@@ -125,10 +126,14 @@ TEST(ParallelFor, VisitsEveryElementOnce) {
 
 TEST(ParallelFor, RaisesTheFirstExceptionOfTheRange) {
     with_threads const most(4);
-    for (int trial = 0; trial < 200; ++trial) {
+    for (int trial = 0; trial < 20; ++trial) {
+        std::atomic<bool> later_failed{false};
         try {
-            parallel_for(1000, 1, [](std::size_t first, std::size_t) {
-                if (first % 100 >= 37) throw std::runtime_error(std::to_string(first));
+            parallel_for(1000, 1, [&](std::size_t first, std::size_t) {
+                if (first < 37) return;
+                if (first > 37) later_failed = true;
+                while (!later_failed) std::this_thread::yield();
+                throw std::runtime_error(std::to_string(first));
             });
             FAIL();
         } catch (std::runtime_error const& error) {
