@@ -67,7 +67,8 @@ file_path behind_links(file_path const& name) {
 // A name of its own for each writer: of two that write the same file, the last to close wins, whole.
 file_path name_beside(file_path name) {
     static std::atomic<unsigned int> count{0};
-    name += "." + std::to_string(current_thread_id()) + "-" + std::to_string(count++) + ".writing";
+    name += '.';
+    name += std::to_string(current_thread_id()) + '-' + std::to_string(count++) + ".writing";
     return name;
 }
 
