@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tvmath/xml_document.h"
+#include "tvmath/xml_geometry.h"
 
 // Any bytes as an XML file: nothing crashes or hangs. What is read and can be written is read again as it
 // was, also by way of a built element.
@@ -72,6 +73,18 @@ struct builder : kvxml::SAXParseHandler {
     void EndElement(kvxml::ISAXReader&, kvxml::Element& element) override { root.swap(element); }
 };
 
+// What geometry was read is written in the same way again: nothing but numbers of 8 digits is left.
+void read_geometry(kv::XmlElement const& element) {
+    if (auto const value = TVXML::read_xml(element); !!value) {
+        auto const record = TVXML::make_record(*value);
+        if (!!record) TVXML::make_xml(*record);
+        auto const first = TVXML::make_element(*value);
+        auto const again = TVXML::make_element(*TVXML::read_xml(*first));
+        require(equal({first}, {again}));
+    }
+    for (auto const& child : element.children) read_geometry(*child);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
@@ -87,6 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     require(good == kvxml::read_xml_file(name.c_str(), &built));
     if (!good) return 0;
     require(read.size() == 1 && equal(*read[0], built.root));
+    read_geometry(*read[0]);
     if (!kv::write_xml_file(name.c_str(), read)) return 0;  // a letter that not every parser knows
     require(kv::read_xml_file(name.c_str(), again) && equal(read, again));
     return 0;
