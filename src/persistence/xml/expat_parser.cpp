@@ -33,7 +33,7 @@ public:
         bool good = true;
         for (bool at_end = false; good && !at_end;) {
             void* const room = ::XML_GetBuffer(parser_.get(), static_cast<int>(chunk_));
-            if (!room) throw std::bad_alloc();
+            if (!room) return false;  // a tag of more than the parser can hold
             std::size_t const got = file.read(room, chunk_);
             at_end = got < chunk_;
             good = file.failure().empty() && parse(got, at_end);
@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t smallest_chunk = 1 << 16, largest_chunk = 1 << 30;
+    static constexpr std::size_t smallest_chunk = 1 << 16, largest_chunk = 1 << 28;
 
     bool parse(std::size_t bytes, bool at_end) {
         if (::XML_ParseBuffer(parser_.get(), static_cast<int>(bytes), at_end) != XML_STATUS_OK) return false;
