@@ -89,9 +89,7 @@ public:
     /// A piece of text, blank text between elements too. A text may come in several pieces, in order; no
     /// character is split between two.
     virtual void AddData(ISAXReader& reader, wide_string const& text);
-
-protected:
-    ~SAXParseHandler() = default;
+    virtual ~SAXParseHandler();
 };
 
 /// Writes a document: UTF-8 without a byte order mark, indented by two blanks.

@@ -18,15 +18,21 @@ struct direction {
     real x, y, z;
 };
 
-// (b - a) x (d - c) of length 1; all zero when that is nothing but rounding. Long doubles hold the
-// differences of all points here without error.
+// Edges between two clusters are so nearly parallel that of 64 bits their product keeps too few.
+__extension__ using wide_real = __float128;
+
+// (b - a) x (d - c) of length 1; all zero when that is nothing but rounding.
 direction normal_of(point const& a, point const& b, point const& c, point const& d) {
-    auto const across = [](real p, real q, real r, real s) {
-        real const v = p * q - r * s;
-        return std::fabs(v) <= 1e-18L * (std::fabs(p * q) + std::fabs(r * s)) ? 0.0L : v;
+    auto const across = [](wide_real p, wide_real q, wide_real r, wide_real s) {
+        wide_real const left = p * q, right = r * s;
+        real const v = static_cast<real>(left - right);
+        real const size = std::fabs(static_cast<real>(left)) + std::fabs(static_cast<real>(right));
+        return std::fabs(v) <= 1e-30L * size ? 0.0L : v;
     };
-    real const ux = real(b.x()) - a.x(), uy = real(b.y()) - a.y(), uz = real(b.z()) - a.z();
-    real const vx = real(d.x()) - c.x(), vy = real(d.y()) - c.y(), vz = real(d.z()) - c.z();
+    wide_real const ux = wide_real(b.x()) - a.x(), uy = wide_real(b.y()) - a.y(),
+                    uz = wide_real(b.z()) - a.z();
+    wide_real const vx = wide_real(d.x()) - c.x(), vy = wide_real(d.y()) - c.y(),
+                    vz = wide_real(d.z()) - c.z();
     real const x = across(uy, vz, uz, vy), y = across(uz, vx, ux, vz), z = across(ux, vy, uy, vx);
     real const size = std::sqrt(x * x + y * y + z * z);
     return size > 0 ? direction{x / size, y / size, z / size} : direction{0, 0, 0};

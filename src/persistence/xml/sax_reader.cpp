@@ -131,6 +131,7 @@ void SAXParseHandler::StartElement(ISAXReader&, wide_string const&, attribute_li
 void SAXParseHandler::EndElement(ISAXReader&) {}
 void SAXParseHandler::EndElement(ISAXReader&, Element&) {}
 void SAXParseHandler::AddData(ISAXReader&, wide_string const&) {}
+SAXParseHandler::~SAXParseHandler() = default;
 
 bool read_xml_file(wide_char const* path, SAXParseHandler* handler) {
     if (!path) return false;
