@@ -34,8 +34,6 @@ struct raw_sums {
 struct feet {
     static constexpr std::size_t size = row_block<6>::size;
     alignas(32) double x[size], y[size], u[size], v[size], off[size];
-
-    feet() { std::fill_n(x, size, 1.0), std::fill_n(y, size, 1.0); }
 };
 
 // A place of the unit circle in the first quadrant.
@@ -44,9 +42,12 @@ struct place {
 };
 
 [[gnu::always_inline]] inline place unit_place(double u, double v) {
-    double const n = std::sqrt(u * u + v * v);
-    return {u / n, v / n};
+    double const n = 1 / std::sqrt(u * u + v * v);
+    return {u * n, v * n};
 }
+
+// All steps below are arithmetic without a choice, which would keep the loops from taking several points at
+// once.
 
 // One round towards the foot of (x, y), both at least 0: where the ray from the centre of curvature through
 // the point meets the circle of curvature (M. Nurnberg, Distance from a point to an ellipse, 2006).
@@ -58,36 +59,75 @@ struct place {
     return unit_place((u + std::fabs(u)) / 2, (v + std::fabs(v)) / 2);  // not below 0
 }
 
-// Newton's step for F_t = 0 makes of `p` the next place. Returns the size of the step, and more than 1 where
-// it leads to the farthest point. In arithmetic without a choice, as in the walk, because a choice would keep
-// the loop from taking several points at once.
+// Newton's step for F_t = 0 makes of `p` the next place. Returns the size of the step, and a huge number
+// where it leads to the farthest point or out of the quadrant, where the nearest point is not.
 [[gnu::always_inline]] inline double step_to_foot(double a, double b, double x, double y, place& p) {
     double const ex = a * p.u - x, ey = b * p.v - y, tx = -a * p.v, ty = b * p.u;
     double const curvature = tx * tx + ty * ty - ex * (a * p.u) - ey * (b * p.v);
     double const step = -(ex * tx + ey * ty) / curvature;
     p = unit_place(p.u - step * p.v, p.v + step * p.u);
-    double const size = std::fabs(curvature);
-    return std::fabs(step) + (size - curvature) / size;
+    double const astray =
+        (std::fabs(curvature) - curvature) / (a * a) + (std::fabs(p.u) - p.u) + (std::fabs(p.v) - p.v);
+    return std::fabs(step) + 1e20 * astray;
 }
 
-// All points of a block take the same steps; `off` says how far the last one went.
-[[gnu::always_inline]] inline void find_feet(feet& f, double a, double b) {
+// A step is the last one below this: squared, and once more, it is below rounding.
+constexpr double settled = 1e-7;
+
+[[gnu::always_inline]] inline void start_feet(feet& f, double a, double b) {
+    double const by_a = 1 / a, by_b = 1 / b;
     for (std::size_t i = 0; i < feet::size; ++i) {
-        double const x = std::fabs(f.x[i]), y = std::fabs(f.y[i]);
-        place p = unit_place(x / a, y / b);
-        p = walk_to_foot(a, b, x, y, walk_to_foot(a, b, x, y, p));
-        step_to_foot(a, b, x, y, p);
-        double const off = step_to_foot(a, b, x, y, p);
-        // Outside the quadrant is not where the nearest point is.
-        f.off[i] = off + (std::fabs(p.u) - p.u) + (std::fabs(p.v) - p.v);
-        f.u[i] = std::copysign(p.u, f.x[i]);
-        f.v[i] = std::copysign(p.v, f.y[i]);
+        place const p = unit_place(std::fabs(f.x[i]) * by_a, std::fabs(f.y[i]) * by_b);
+        f.u[i] = p.u;
+        f.v[i] = p.v;
     }
 }
 
-// The few points whose steps have not ended, such as those near the centre of curvature.
+[[gnu::always_inline]] inline void walk_all(feet& f, double a, double b) {
+    for (std::size_t i = 0; i < feet::size; ++i) {
+        place const p = walk_to_foot(a, b, std::fabs(f.x[i]), std::fabs(f.y[i]), {f.u[i], f.v[i]});
+        f.u[i] = p.u;
+        f.v[i] = p.v;
+    }
+}
+
+// Newton's steps for all points of a block alike, until all have settled or the steps are used up.
+[[gnu::always_inline]] inline bool settle_feet(feet& f, double a, double b) {
+    constexpr int most_steps = 4;
+    for (int step = 0; step < most_steps; ++step) {
+        for (std::size_t i = 0; i < feet::size; ++i) {
+            place p{f.u[i], f.v[i]};
+            f.off[i] = step_to_foot(a, b, std::fabs(f.x[i]), std::fabs(f.y[i]), p);
+            f.u[i] = p.u;
+            f.v[i] = p.v;
+        }
+        double sum[4] = {};  // NaN stays
+        for (std::size_t i = 0; i < feet::size; i += 4) {
+            for (std::size_t k = 0; k < 4; ++k) sum[k] += f.off[i + k];
+        }
+        if (sum[0] + sum[1] + sum[2] + sum[3] < settled) return true;
+    }
+    return false;
+}
+
+// From the directions of the points, which for measured points are close to those of the feet. Where that is
+// not close enough, as at the ends of a narrow ellipse, from places that two rounds of the walk improve.
+[[gnu::always_inline]] inline void find_feet(feet& f, double a, double b) {
+    start_feet(f, a, b);
+    if (!settle_feet(f, a, b)) {
+        start_feet(f, a, b);
+        walk_all(f, a, b);
+        walk_all(f, a, b);
+        settle_feet(f, a, b);
+    }
+    for (std::size_t i = 0; i < feet::size; ++i) {
+        f.u[i] = std::copysign(f.u[i], f.x[i]);
+        f.v[i] = std::copysign(f.v[i], f.y[i]);
+    }
+}
+
+// The few points whose steps have not settled, such as those near the centre of curvature.
 void search_feet(feet& f, double a, double b, std::size_t count) {
-    constexpr double settled = 1e-7;  // squared, and once more, is below rounding
     for (std::size_t i = 0; i < count; ++i) {
         if (f.off[i] < settled) continue;  // and on for NaN
         xyz const foot = true_ellipse(ellipse(a, b, 0, point(true, 0, 0))).closest(xyz(f.x[i], f.y[i], 0));
@@ -130,6 +170,8 @@ TVMATH_WIDE_LOOP void place_block(xy const* points, planar_ellipse const& e, dou
         f.x[i] = cosine * dx + sine * dy;
         f.y[i] = cosine * dy - sine * dx;
     }
+    std::fill(f.x + count, f.x + feet::size, f.x[0]);  // what is not there settles with the rest
+    std::fill(f.y + count, f.y + feet::size, f.y[0]);
     find_feet(f, e.a, e.b);
 }
 
