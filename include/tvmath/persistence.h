@@ -123,7 +123,7 @@ TVMATH_API cone to_cone(unsigned short const* text, cone fallback);
 ///
 /// Shapes must be 3D transforms and a point must be 3D; the centre of a nurb is read as a direction. A spline
 /// gets its length, and a closed one its area and centroid, from its path; a text without the word `Bez` is
-/// an older form, the inside of a nurb. A number and a rotation take any text.
+/// an older form, the inside of a nurb of order 32 at most. A number and a rotation take any text.
 TVMATH_API bool to_description(unsigned short const* text, Geometry_Description& record);
 
 // The same for literals. As templates they leave `nullptr` to the functions above.

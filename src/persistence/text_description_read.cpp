@@ -37,9 +37,16 @@ void measure(ClosedSpline_Description& record) {
     calculate_closed_bezier_moments(record.path, record.area, record.centroid);
 }
 
+// The older form of a path. The cost of a path grows with the square of the order, and a text from outside
+// must not take minutes: far above what any curve is made with, there is none.
+curve path_of(nurb const& n) {
+    constexpr unsigned int largest_order = 32;
+    return n.order() <= largest_order ? n.render_bezier() : curve();
+}
+
 curve read_path(wide_string_view text) {
     constexpr wide_char word[] = {'B', 'e', 'z'};
-    if (!text.starts_with(wide_string_view(word, 3))) return read_nurb(text, nurb()).render_bezier();
+    if (!text.starts_with(wide_string_view(word, 3))) return path_of(read_nurb(text, nurb()));
     wide_string_view parts[1];
     return split(text.substr(3), parts) ? read_curve(parts[0], curve()) : curve();
 }
