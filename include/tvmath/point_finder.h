@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -7,6 +8,25 @@
 #include "tvmath/point.h"
 
 inline namespace tvmath {
+
+/// Part of `point_finder`: the points about the last queries, from which most of the next ones are answered.
+///
+/// It holds every point closer than a radius to a place, and some others. A query that has one of them closer
+/// than its own distance from the edge of that ball needs no look into the tree.
+template <unsigned int dimension>
+struct point_surroundings {
+    static constexpr unsigned int capacity = 48;
+
+    std::array<double, dimension> previous = {};  // query
+    std::array<double, dimension> center = {};    // of the ball
+    double radius_squared = 0;                    // a little less than that of the ball
+    double ahead = 4;                             // steps from query to query that the ball shall reach
+    std::uint32_t count = 0;                      // of points; 0 when there is no ball
+    std::uint32_t hits = 0;                       // answers found here since the last ball was tried
+    std::uint32_t delay = 0, waits = 0;           // searches to be left without a new ball, in all and still
+    std::uint32_t leaf[capacity] = {};            // offsets
+    double at[dimension][capacity] = {};          // coordinates, one axis after the other
+};
 
 /// Nearest and farthest points of a fixed cloud, for many queries: `PointFinder2D` and `PointFinder3D`.
 ///
@@ -60,6 +80,7 @@ private:
     std::vector<unsigned char> block_;  // a tree in preorder
     // Offsets of leaves, all ones when there is no answer yet.
     mutable std::uint32_t last_closest_ = 0xFFFFFFFFu, last_farthest_ = 0xFFFFFFFFu;
+    mutable point_surroundings<dimension> surroundings_;
 };
 
 /// Finder of points by x and y.
