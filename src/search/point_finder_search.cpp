@@ -77,13 +77,13 @@ private:
     // Gathers new surroundings, about a place ahead on the way of the queries. False if it cannot, or if it
     // was of no use of late: then it is left for a while, each time longer.
     bool renew() {
-        if (near_.hits > 1) near_.delay = near_.waits = 0;
+        if (near_.hits > 2) near_.delay = near_.waits = 0;
+        near_.hits = near_.count = 0;
         if (near_.waits > 0) {
             --near_.waits;
             return false;
         }
         near_.delay = near_.waits = std::min(2 * near_.delay + 1, 255u);
-        near_.hits = near_.count = 0;
 
         // In this range no square of what follows is lost, and its sums are exact to some 1e-15.
         double const step = std::sqrt(squared_distance(near_.previous)),
@@ -95,7 +95,7 @@ private:
         near_.radius_squared = radius * radius * (1 - 1e-12);
         bool const is_filled = fill(radius * radius);
         // About ten points are worth the most: more take longer to gather than they are of use.
-        bool const is_small = is_filled && near_.count < 10;
+        bool const is_small = is_filled && near_.count < 12;
         near_.ahead = is_small ? std::min(near_.ahead * 1.25, 64.0) : std::max(near_.ahead * 0.8, 2.0);
         return is_filled;
     }

@@ -79,13 +79,23 @@ public:
 
     // The leaf that is best, `last` if none is better.
     std::uint32_t run(std::uint32_t bytes, std::uint32_t last) const {
+        // A variable of this function, as `at` is, and no field: so they stay in registers.
         candidate best;
         if (last != nowhere) best.take(distance(last), last);
-        walk(bytes, best.reach, [&](branch const& at) {
-            scan(at, best);
-            return true;
-        });
-        return best.leaf;
+        branch at = root(bytes);
+        if constexpr (rule::is_here_first) descend_inside(at, best.reach);
+        local_buffer<branch, 512> pending;
+        for (;;) {
+            bool is_entered = true;
+            while (is_entered && at.end - at.begin > subtree_bytes<dimension>(3)) {
+                is_entered = descend(at, pending, best.reach);
+            }
+            if (is_entered) scan(at, best);
+            do {
+                if (pending.empty()) return best.leaf;
+                at = pending.pop_back();
+            } while (!rule::better(at.total, best.reach));
+        }
     }
 
     // Gives `take` the leaves of each subtree, of up to three, that may come closer than `reach`: the first
@@ -93,15 +103,14 @@ public:
     // Level by level, so that the processor works at several branches at once and has no turn to guess.
     template <class function>
     bool gather(std::uint32_t bytes, double reach, function const& take) const {
-        constexpr std::size_t most = 192;
-        local_buffer<branch, most> waiting;
-        branch at = root(bytes);
-        descend_inside(at, reach);
-        waiting.push_back(at);
-        for (std::size_t i = 0; i < static_cast<std::size_t>(waiting.end() - waiting.begin()); ++i) {
-            at = waiting.begin()[i];
+        branch_list waiting;
+        waiting.room() = root(bytes);
+        descend_inside(waiting.room(), reach);
+        waiting.keep_if(true);
+        for (branch const* next = waiting.begin; next != waiting.end; ++next) {
+            branch at = *next;
             if (at.end - at.begin > subtree_bytes<dimension>(3)) {
-                if (static_cast<std::size_t>(waiting.end() - waiting.begin()) > most - 2) return false;
+                if (waiting.is_full()) return false;
                 bool const is_entered = descend(at, waiting, reach);
                 waiting.room() = at;
                 waiting.keep_if(is_entered);
@@ -132,6 +141,15 @@ private:
         unsigned int axis;
     };
 
+    // Subtrees one after the other, none of which is taken off; full when there is no room for two more.
+    struct branch_list {
+        bool is_full() const { return end > begin + std::size(begin) - 2; }
+        branch& room() { return *end; }
+        void keep_if(bool is_wanted) { end += is_wanted; }
+
+        branch begin[192], *end = begin;
+    };
+
     // The best leaf so far.
     struct candidate {
         double distance = rule::worst;
@@ -151,27 +169,6 @@ private:
         branch at = {0, bytes, rule::unknown, {}, first_axis<dimension>};
         at.others.fill(rule::unknown);
         return at;
-    }
-
-    // Goes through the subtrees of up to three leaves that are closer than `reach`, which may change on the
-    // way, until `take` returns false.
-    template <class function>
-    void walk(std::uint32_t bytes, double const& reach, function const& take) const {
-        // A variable of this function, and no field: so it stays in registers.
-        branch at = root(bytes);
-        if constexpr (rule::is_here_first) descend_inside(at, reach);
-        local_buffer<branch, 512> pending;
-        for (;;) {
-            bool is_entered = true;
-            while (is_entered && at.end - at.begin > subtree_bytes<dimension>(3)) {
-                is_entered = descend(at, pending, reach);
-            }
-            if (is_entered && !take(at)) return;
-            do {
-                if (pending.empty()) return;
-                at = pending.pop_back();
-            } while (!rule::better(at.total, reach));
-        }
     }
 
     // The way down while the query lies among a node's points and what is across the split is too far away:
