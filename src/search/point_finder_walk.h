@@ -1,5 +1,9 @@
 #pragma once
 
+#include <array>
+#include <iterator>
+#include <limits>
+
 #include "local_buffer.h"
 #include "point_finder_records.h"
 
