@@ -8,12 +8,12 @@ inline namespace tvmath {
 namespace {
 
 // The leaf that `search` answers with, null when there is none.
-template <unsigned int dimension, class function>
+template <unsigned int dimension, class function, class... more>
 unsigned char const* answer(function const& search, std::vector<unsigned char> const& block,
-                            point const& query, std::uint32_t& last) {
+                            point const& query, std::uint32_t& last, more&... remembered) {
     auto const at = coordinates_of<dimension>(query);
     if (block.empty() || !is_finite(at)) return nullptr;
-    std::uint32_t const leaf = search(block, at, last);
+    std::uint32_t const leaf = search(block, at, last, remembered...);
     if (leaf == nowhere) return nullptr;
     last = leaf;
     return block.data() + leaf;
@@ -37,6 +37,7 @@ template <unsigned int dimension>
 void point_finder<dimension>::clear() {
     block_.clear();
     last_closest_ = last_farthest_ = nowhere;
+    surroundings_ = {};
 }
 
 template <unsigned int dimension>
@@ -47,8 +48,8 @@ void point_finder<dimension>::construct(std::vector<point> const& points) {
 
 template <unsigned int dimension>
 bool point_finder<dimension>::find_closest(point query, unsigned int& index) const {
-    return give_index<dimension>(answer<dimension>(closest_leaf<dimension>, block_, query, last_closest_),
-                                 index);
+    return give_index<dimension>(
+        answer<dimension>(closest_leaf<dimension>, block_, query, last_closest_, surroundings_), index);
 }
 
 template <unsigned int dimension>
@@ -59,7 +60,8 @@ bool point_finder<dimension>::find_farthest(point query, unsigned int& index) co
 
 template <unsigned int dimension>
 point point_finder<dimension>::find_closest(point query) {
-    return location_of<dimension>(answer<dimension>(closest_leaf<dimension>, block_, query, last_closest_));
+    return location_of<dimension>(
+        answer<dimension>(closest_leaf<dimension>, block_, query, last_closest_, surroundings_));
 }
 
 template <unsigned int dimension>

@@ -1,231 +1,153 @@
 #include "point_finder_search.h"
 
-#include "local_buffer.h"
-#include "point_finder_records.h"
+#include <algorithm>
+#include <cmath>
+
+#include "point_finder_walk.h"
 
 inline namespace tvmath {
 namespace {
 
-// In these orders each is one instruction, and a NaN in `a` gives b.
-double smaller(double a, double b) {
-    return a < b ? a : b;
-}
-double larger(double a, double b) {
-    return a > b ? a : b;
-}
-
-// A choice by arithmetic. Which way a query goes cannot be guessed, so a jump would be guessed wrong every
-// second time; compilers make one of a conditional expression if they like.
-std::uint32_t choose(bool is_first, std::uint32_t first, std::uint32_t second) {
-    return second ^ ((first ^ second) & -static_cast<std::uint32_t>(is_first));
-}
-
-// Whether the split separates the children. It does not where the list was halved because rounding, overflow
-// or NaN, or equal coordinates, left the mean on one side of all: then either child can hold any coordinate
-// from lowest to highest.
-bool is_separated(finder_node const& node) {
-    return node.lowest < node.split && node.split <= node.highest;
-}
-
-// What a node tells of its points along its axis: bounds of the squared distance on the query's side of the
-// split, `here`, and on the other, `across`.
-struct side_bounds {
-    double here, across;
-};
-
-// Bounds are from below, 0 before a node of the axis is met. The query's side goes first.
-struct nearest_rule {
-    static constexpr bool is_here_first = true;
-    static constexpr double worst = std::numeric_limits<double>::infinity(), unknown = 0, slack = 0x1p-50;
-
-    static bool better(double a, double b) { return a < b; }
-    static double best(double a, double b) { return smaller(a, b); }
-
-    static side_bounds bounds(finder_node const& node, double c) {
-        double const beyond = c - smaller(larger(c, node.lowest), node.highest);
-        double across = c - node.split;
-        if (!is_separated(node)) [[unlikely]]
-            across = beyond;
-        return {beyond * beyond, across * across};
-    }
-};
-
-// Bounds are from above, infinite before a node of the axis is met. The side across goes first.
-struct farthest_rule {
-    static constexpr bool is_here_first = false;
-    static constexpr double unknown = std::numeric_limits<double>::infinity(), worst = -unknown,
-                            slack = -0x1p-50;
-
-    static bool better(double a, double b) { return a > b; }
-    static double best(double a, double b) { return larger(a, b); }
-
-    static side_bounds bounds(finder_node const& node, double c) {
-        double const to_lowest = c - node.lowest, to_highest = node.highest - c, d = c - node.split;
-        double across = d >= 0 ? to_lowest : to_highest;
-        double here = d >= 0 ? larger(to_highest, d) : larger(to_lowest, -d);
-        if (!is_separated(node)) [[unlikely]]
-            here = across = larger(to_lowest, to_highest);
-        return {here * here, across * across};
-    }
-};
-
-// One search. The two visits of a node are tested each on its own.
-template <unsigned int dimension, class rule>
-class tree_search {
-    static constexpr std::uint32_t leaf_bytes = sizeof(finder_leaf<dimension>);
+// A nearest search that looks into the surroundings of the last queries first.
+template <unsigned int dimension>
+class surrounded_search {
+    using point_list = point_surroundings<dimension>;
+    using search = tree_search<dimension, nearest_rule>;
 
 public:
-    tree_search(unsigned char const* tree, coordinates<dimension> const& query)
-        : tree_(tree), query_(query) {}
+    surrounded_search(std::vector<unsigned char> const& block, coordinates<dimension> const& query,
+                      std::uint32_t last, point_list& near)
+        : tree_(block.data()),
+          bytes_(static_cast<std::uint32_t>(block.size())),
+          query_(query),
+          last_(last),
+          near_(near) {}
 
-    std::uint32_t run(std::uint32_t bytes, std::uint32_t last) const {
-        // A variable of this function, as `at` is, and no field: so they stay in registers.
-        candidate best;
-        if (last != nowhere) best.take(distance(last), last);
-        branch at = {0, bytes, rule::unknown, {}, first_axis<dimension>};
-        at.others.fill(rule::unknown);
-        if constexpr (rule::is_here_first) descend_inside(at, best.reach);
-        local_buffer<branch, 512> pending;
-        for (;;) {
-            bool is_entered = true;
-            while (is_entered && at.end - at.begin > subtree_bytes<dimension>(3)) {
-                is_entered = descend(at, pending, best.reach);
-            }
-            if (is_entered) scan(at, best);
-            do {
-                if (pending.empty()) return best.leaf;
-                at = pending.pop_back();
-            } while (!rule::better(at.total, best.reach));
-        }
+    std::uint32_t run() {
+        search const whole(tree_, query_);
+        if (last_ == nowhere) return whole.run(bytes_, last_);
+        least_ = last_distance_ = whole.distance(last_);
+        std::uint32_t leaf = look();
+        if (leaf == nowhere && renew()) leaf = look();
+        return leaf != nowhere && leaf != several ? leaf : whole.run(bytes_, last_);
     }
 
 private:
-    // A subtree that is to be searched.
-    struct branch {
-        std::uint32_t begin, end;  // offsets in bytes
-        double total;              // bound of the squared distance of its points
-        // The part of that from each axis but the branch's own, the one whose turn comes next in front.
-        std::array<double, dimension - 1> others;
-        unsigned int axis;
-    };
+    static constexpr std::uint32_t several = nowhere - 1;  // leaves are just as near, and not the last one
+    static constexpr std::uint32_t lanes = 4;              // points at once, by which the list is filled up
+    static_assert(point_list::capacity % lanes == 0);
 
-    // The best leaf so far.
-    struct candidate {
-        double distance = rule::worst;
-        double reach = rule::worst;  // what a region must be better than
-        std::uint32_t leaf = nowhere;
-
-        // A NaN never is better, nor is what is just as far.
-        void take(double d, std::uint32_t l) {
-            leaf = choose(rule::better(d, distance), l, leaf);
-            distance = rule::best(d, distance);
-            // Three squares are added in another order for a region than for a leaf, and may round otherwise.
-            reach = dimension == 2 ? distance : distance * (1 + rule::slack);
+    // The nearest leaf, if the surroundings tell it.
+    std::uint32_t look() {
+        if (near_.count == 0) return nowhere;
+        double distances[point_list::capacity];
+        double const nearest = take_distances(distances);
+        least_ = smaller(nearest, last_distance_);
+        // With a and b the distances of leaf and centre from the query, and r the radius, all points that
+        // are not here are farther than a if a + b < r: squared twice, 4 a^2 b^2 < (r^2 - a^2 - b^2)^2.
+        double const moved = squared_distance(near_.center), room = near_.radius_squared - least_ - moved;
+        if (!(room > 0 && 4 * least_ * moved < room * room)) return nowhere;
+        ++near_.hits;
+        if (last_distance_ <= nearest) return last_;
+        std::uint32_t count = 0, place = 0;
+        for (std::uint32_t i = 0; i < near_.count; ++i) {
+            bool const is_nearest = distances[i] == nearest;
+            count += is_nearest;
+            place = choose(is_nearest, i, place);
         }
-    };
+        return count > 1 ? several : near_.leaf[place];
+    }
 
-    double distance(std::uint32_t leaf) const {
-        coordinates<dimension> d;
+    // The squared distances of all surroundings; gives the least.
+    double take_distances(double* distances) const {
+        std::uint32_t const count = (near_.count + lanes - 1) / lanes * lanes;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            coordinates<dimension> d;
+            for (unsigned int axis = 0; axis < dimension; ++axis) d[axis] = near_.at[axis][i] - query_[axis];
+            distances[i] = squared(d);
+        }
+        double least[lanes];
+        std::fill_n(least, lanes, nearest_rule::worst);
+        for (std::uint32_t i = 0; i < count; i += lanes) {
+            for (std::uint32_t k = 0; k < lanes; ++k) least[k] = smaller(distances[i + k], least[k]);
+        }
+        return smaller(smaller(least[0], least[1]), smaller(least[2], least[3]));
+    }
+
+    // Gathers new surroundings, about a place ahead on the way of the queries. False if it cannot, or if it
+    // was of no use of late: then it is left for a while, each time longer.
+    bool renew() {
+        if (near_.hits > 2) near_.delay = near_.waits = 0;
+        near_.hits = near_.count = 0;
+        if (near_.waits > 0) {
+            --near_.waits;
+            return false;
+        }
+        near_.delay = near_.waits = std::min(2 * near_.delay + 1, 255u);
+
+        // In this range no square of what follows is lost, and its sums are exact to some 1e-15.
+        double const step = std::sqrt(squared_distance(near_.previous)),
+                     radius = 1.0625 * std::sqrt(least_) + near_.ahead * step;
+        if (!(radius > 1e-70 && radius < 1e70)) return false;
         for (unsigned int i = 0; i < dimension; ++i) {
-            d[i] = load<double>(tree_ + leaf + offsetof(finder_leaf<dimension>, at) + 8 * i) - query_[i];
+            near_.center[i] = query_[i] + near_.ahead * (query_[i] - near_.previous[i]);
         }
+        near_.radius_squared = radius * radius * (1 - 1e-12);
+        bool const is_filled = fill(radius * radius);
+        // About ten points are worth the most: more take longer to gather than they are of use.
+        bool const is_small = is_filled && near_.count < 12;
+        near_.ahead = is_small ? std::min(near_.ahead * 1.25, 64.0) : std::max(near_.ahead * 0.8, 2.0);
+        return is_filled;
+    }
+
+    // All points closer to the centre than the squared radius `reach`; false if that are too many.
+    bool fill(double reach) {
+        std::uint32_t count = 0;
+        search const around(tree_, near_.center);
+        auto const take = [&](std::array<std::uint32_t, 3> const& leaves, std::uint32_t n) {
+            if (count > point_list::capacity - 3) return false;
+            for (std::uint32_t k = 0; k < 3; ++k) {
+                near_.leaf[count] = leaves[k];
+                coordinates<dimension> d;
+                for (unsigned int axis = 0; axis < dimension; ++axis) {
+                    double const c = around.coordinate(leaves[k], axis);
+                    near_.at[axis][count] = c;
+                    d[axis] = c - near_.center[axis];
+                }
+                count += choose((k < n) & (squared(d) < reach), 1, 0);
+            }
+            return true;
+        };
+        if (!around.gather(bytes_, reach, take)) return false;
+        near_.count = count;
+        for (; count % lanes != 0; ++count) {
+            for (auto& c : near_.at) c[count] = std::numeric_limits<double>::infinity();
+        }
+        return true;
+    }
+
+    double squared_distance(coordinates<dimension> const& from) const {
+        coordinates<dimension> d;
+        for (unsigned int i = 0; i < dimension; ++i) d[i] = query_[i] - from[i];
         return squared(d);
     }
 
-    // The way down while the query lies among a node's points and what is across the split is too far away:
-    // most of the way, once the last answer is a good one, and easy to guess for the processor.
-    void descend_inside(branch& at, double reach) const {
-        for (;;) {
-            if (at.end - at.begin <= subtree_bytes<dimension>(3)) return;
-            auto const node = finder_node::at(tree_ + at.begin);
-            double const c = query_[at.axis], across = c - node.split;
-            if (!(across * across >= reach)) return;
-            if (across > 0) {
-                if (!(node.lowest < node.split && c <= node.highest)) return;
-                at.begin += node.second_child;
-            } else {
-                if (!(node.lowest <= c && node.split <= node.highest)) return;
-                at.end = at.begin + node.second_child;
-                at.begin += finder_node::bytes;
-            }
-            at.axis = axis_after<dimension>(at.axis);
-        }
-    }
-
-    // Goes on to the child that is visited first, and puts the other one off; false if the first is not
-    // entered.
-    template <class list>
-    bool descend(branch& at, list& pending, double reach) const {
-        auto const node = finder_node::at(tree_ + at.begin);
-        std::uint32_t const first = at.begin + finder_node::bytes, second = at.begin + node.second_child;
-        prefetch(tree_ + second);
-        double const c = query_[at.axis];
-        side_bounds const bounds = rule::bounds(node, c);
-        bool const is_second_next = (c >= node.split) == rule::is_here_first;
-        double const rest = dimension == 2 ? at.others[0] : at.others[0] + at.others[dimension - 2];
-        unsigned int const axis = axis_after<dimension>(at.axis);
-        auto const set = [&](branch& child, bool is_second, double bound) {
-            child.total = bound + rest;
-            child.axis = axis;
-            if constexpr (dimension == 3) child.others[0] = at.others[1];
-            child.others[dimension - 2] = bound;
-            std::uint32_t const end = at.end;
-            child.begin = choose(is_second, second, first);
-            child.end = choose(is_second, end, second);
-        };
-        branch& other = pending.room();
-        set(other, !is_second_next, rule::is_here_first ? bounds.across : bounds.here);
-        pending.keep_if(rule::better(other.total, reach));
-        set(at, is_second_next, rule::is_here_first ? bounds.here : bounds.across);
-        return rule::better(at.total, reach);
-    }
-
-    // A subtree of up to three leaves: their places follow from its length, and all distances are taken at
-    // once. Leaves that are not there count as the worst.
-    void scan(branch const& at, candidate& best) const {
-        std::uint32_t const size = at.end - at.begin;
-        bool const is_pair = size > leaf_bytes, is_triple = size > subtree_bytes<dimension>(2);
-        std::uint32_t const third = at.end - leaf_bytes, second = choose(is_pair, third - leaf_bytes, third);
-        // Behind the root of three leaves stands either a leaf or the other node.
-        std::uint32_t const child = choose(is_triple, at.begin + finder_node::bytes, third);
-        std::uint32_t const first =
-            child + choose(load<std::uint32_t>(tree_ + child) != 0, finder_node::bytes, 0);
-        constexpr double absent[] = {rule::worst, 0};
-        double const a = distance(first) + absent[is_triple], b = distance(second) + absent[is_pair],
-                     c = distance(third);
-        double const d = rule::best(a, rule::best(b, rule::best(c, rule::worst)));
-        bool const is_a = a == d, is_b = b == d, is_c = c == d;
-        if (is_a + is_b + is_c > 1 && rule::better(d, best.distance)) [[unlikely]] {
-            best = visit(at.begin, at.axis, best);
-        } else {
-            best.take(d, choose(is_a, first, choose(is_b, second, third)));
-        }
-    }
-
-    // The same leaf by leaf, for the first of several that are just as far.
-    candidate visit(std::uint32_t offset, unsigned int axis, candidate best) const {
-        std::uint32_t const second_child = load<std::uint32_t>(tree_ + offset);
-        if (second_child == 0) {
-            best.take(distance(offset), offset);
-            return best;
-        }
-        bool const is_above = query_[axis] >= finder_node::at(tree_ + offset).split;
-        std::uint32_t const first = offset + finder_node::bytes, second = offset + second_child;
-        best = visit(is_above == rule::is_here_first ? second : first, axis_after<dimension>(axis), best);
-        return visit(is_above == rule::is_here_first ? first : second, axis_after<dimension>(axis), best);
-    }
-
     unsigned char const* tree_;
+    std::uint32_t bytes_;
     coordinates<dimension> const& query_;
+    std::uint32_t last_;
+    double last_distance_ = 0, least_ = 0;  // squared, of the last answer and of the nearest point known
+    point_list& near_;
 };
 
 }  // namespace
 
 template <unsigned int dimension>
 std::uint32_t closest_leaf(std::vector<unsigned char> const& block, coordinates<dimension> const& query,
-                           std::uint32_t last) {
-    return tree_search<dimension, nearest_rule>(block.data(), query)
-        .run(static_cast<std::uint32_t>(block.size()), last);
+                           std::uint32_t last, point_surroundings<dimension>& near) {
+    std::uint32_t const leaf = surrounded_search<dimension>(block, query, last, near).run();
+    near.previous = query;
+    return leaf;
 }
 
 template <unsigned int dimension>
@@ -236,9 +158,9 @@ std::uint32_t farthest_leaf(std::vector<unsigned char> const& block, coordinates
 }
 
 template std::uint32_t closest_leaf<2>(std::vector<unsigned char> const&, coordinates<2> const&,
-                                       std::uint32_t);
+                                       std::uint32_t, point_surroundings<2>&);
 template std::uint32_t closest_leaf<3>(std::vector<unsigned char> const&, coordinates<3> const&,
-                                       std::uint32_t);
+                                       std::uint32_t, point_surroundings<3>&);
 template std::uint32_t farthest_leaf<2>(std::vector<unsigned char> const&, coordinates<2> const&,
                                         std::uint32_t);
 template std::uint32_t farthest_leaf<3>(std::vector<unsigned char> const&, coordinates<3> const&,

@@ -74,6 +74,94 @@ TYPED_TEST(PointFinder, AgreesWithExhaustiveSearch) {
     }
 }
 
+// The leaf that answers by a walk over the whole tree, the side of the query first: of leaves that are just
+// as near the last answer, else the first on the way.
+template <class finder>
+class whole_walk {
+    static constexpr unsigned int dimension = std::is_same_v<finder, PointFinder3D> ? 3 : 2;
+
+public:
+    static constexpr std::uint32_t nowhere = 0xFFFFFFFFu;
+
+    whole_walk(finder const& f, point const& query) : tree_(block_of(f).data()), query_(query) {
+        std::uint32_t const last = offset_of(f, 0);
+        if (last != nowhere) meet(last);
+        visit(0, dimension == 3 ? 1 : 0);
+    }
+    std::uint32_t leaf() const { return leaf_; }
+
+private:
+    void meet(std::uint32_t leaf) {
+        double sum = 0;
+        for (unsigned int i = 0; i < dimension; ++i) {
+            double const d = read<double>(tree_, leaf + 8 + 8 * i) - query_[1 + i];
+            sum += d * d;
+        }
+        if (sum < least_) least_ = sum, leaf_ = leaf;
+    }
+    void visit(std::uint32_t offset, unsigned int axis) {
+        std::uint32_t const second = read<std::uint32_t>(tree_, offset), next = (axis + 1) % dimension;
+        if (second == 0) {
+            return meet(offset);
+        }
+        bool const is_second_first = query_[1 + axis] >= read<double>(tree_, offset + 20);
+        visit(offset + (is_second_first ? second : 28), next);
+        visit(offset + (is_second_first ? 28 : second), next);
+    }
+
+    unsigned char const* tree_;
+    point const& query_;
+    double least_ = infinite;
+    std::uint32_t leaf_ = nowhere;
+};
+
+// Straight ways in steps of all lengths with turns, rests and jumps between; on the way finders are copied,
+// assigned and built anew. To the leaf, so that ties count.
+TYPED_TEST(PointFinder, AnswersOnAWayAsFromTheRoot) {
+    seeded_random random(10);
+    for (point_family const& family : families) {
+        for (int trial = 0; trial < 24; ++trial) {
+            SCOPED_TRACE(std::string(family.name) + " " + std::to_string(trial));
+            std::vector<point> points;
+            auto const build = [&](auto& f) {
+                points.clear();
+                for (int i = trial % 2 == 0 ? 40 : 400; i > 0; --i) {
+                    points.push_back(family.draw(random, TestFixture::is_3d, i));
+                }
+                if (trial % 3 == 0) points.insert(points.end(), points.begin(), points.begin() + 20);
+                f.construct(points);
+            };
+            TypeParam finder, other;
+            build(finder);
+            point query = points[0], step = query;
+            for (int k = 0; k < 300; ++k) {
+                unsigned int const event = random.below(60);
+                if (event == 0) query = points[random.below(40)];
+                if (event == 1) other = finder;
+                if (event == 2) std::swap(finder, other);
+                if (event == 3 && k > 200) build(finder);
+                if (event == 4) finder.clear(), finder.construct(points);
+                if (event < 9 || k == 0) {
+                    point const &a = points[random.below(40)], &b = points[random.below(40)];
+                    double const length = event == 5 ? 0 : random.log_uniform(1e-4, 1);
+                    for (unsigned int i = 1; i < 4; ++i) step[i] = length * (b[i] - a[i]);
+                }
+                for (unsigned int i = 1; i < 4; ++i) query[i] += step[i];
+                if (!is_finite(query)) query = step = TestFixture::at(0.1, 0, 0);
+                if (block_of(finder).empty()) continue;
+                std::uint32_t const expected = whole_walk<TypeParam>(finder, query).leaf();
+                unsigned int index = 0;
+                bool const is_near = expected != whole_walk<TypeParam>::nowhere;
+                ASSERT_EQ(finder.find_closest(query, index), is_near);
+                if (is_near) {
+                    ASSERT_EQ(offset_of(finder, 0), expected);
+                    ASSERT_EQ(index, read<std::uint32_t>(block_of(finder).data(), expected + 4));
+                }
+            }
+        }
+    }
+}
+
 TYPED_TEST(PointFinder, KeepsTheLastAnswerAmongTies) {
     TypeParam finder;
     finder.construct({TestFixture::at(-1, 0, 0), TestFixture::at(1, 0, 0), TestFixture::at(1, 0, 0)});
