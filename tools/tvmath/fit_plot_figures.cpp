@@ -43,7 +43,7 @@ public:
                     {.size = size_, .ink = kept ? color{0.05, 0.45, 0.20} : above_ink, .bold = true});
             value(short_text(*result_.tolerance));
         }
-        if (result_.has_standard_names) {
+        if (result_.has_standard_names && !result_.is_zone()) {
             std::string const symbol = result_.kind->form.symbol;
             row("peak " + symbol + "p", residual(result_.highest.residual));
             row("valley " + symbol + "v", residual(-result_.lowest.residual));
@@ -170,6 +170,7 @@ public:
         c_.stroke(bar, {text_ink, 1});
         c_.text({left_ + drawn + 6, y_}, "a residual of " + short_text(length), {.size = 8, .ink = text_ink});
         up();
+        add_contacts();
         if (!view.outlines.empty()) entry(zone_ink, "zone of the form error");
         if (!view.below.empty()) entry(below_ink, "\u2212  " + view.below);
         entry(above_ink, view.below.empty() ? view.above : "+  " + view.above);
@@ -178,6 +179,7 @@ public:
 
     void draw_colors() {
         double const largest = picture_.color_range, width = right_ - left_;
+        add_contacts();
         constexpr int steps = 24;
         c_.text({left_, y_}, number(-largest), {.size = 8, .ink = text_ink});
         c_.text({left_ + width / 2, y_}, "0", {.size = 8, .ink = text_ink, .across = 0.5});
@@ -211,6 +213,12 @@ private:
         box.close();
         c_.fill(box, ink);
     }
+    void add_contacts() {
+        if (!picture_.result.is_zone()) return;
+        c_.stroke(ring_at({left_ + 7, y_ - 3}, 4.5), {text_ink, 1.3});
+        c_.text({left_ + 20, y_}, "contact points", {.size = 8.5, .ink = text_ink});
+        up();
+    }
     void entry(color const& ink, std::string const& words) {
         swatch({left_, y_ + 0.5}, 14, 8, ink);
         c_.text({left_ + 20, y_}, words, {.size = 8.5, .ink = text_ink});
@@ -227,7 +235,7 @@ private:
 void draw_figures(canvas& c, fit_picture const& picture, spot corner, double width, double height,
                   double view_scale) {
     figure_column column(c, picture, corner, width);
-    column.fit_into(height - 84);
+    column.fit_into(height - (picture.result.is_zone() ? 98 : 84));
     column.draw_form();
     column.draw_parameters();
     legend what(c, picture, {corner.x, corner.y + height}, width);
