@@ -89,7 +89,8 @@ std::vector<fit_kind> make_zone_kinds() {
     return {
         {"minimum zone circle", "circle", 3, false, false, nominal, Circle_Description::type_value,
          roundness("MZCI"),
-         "the narrower a ring the farther its center, as for points on a line, or the points fill an area",
+         "rings get ever narrower the farther off their center is, as for points on a line, or the points "
+         "are all equal, or fill an area",
          fit_zone_circle},
         {"minimum zone line", "line", 2, false, false, nominal, Segment_Description::type_value,
          straightness("MZLI"), "the points are all equal", fit_zone_line},

@@ -143,6 +143,11 @@ std::vector<extreme_point> marked_points(fit_result const& result) {
     return marked;
 }
 
+bool is_above(extreme_point const& e, fit_result const& result) {
+    double const middle = (result.highest.residual + result.lowest.residual) / 2;
+    return result.is_zone() ? e.residual > middle : e.residual >= 0;
+}
+
 void draw_fit(canvas& c, fit_result const& result) {
     fit_view const view = view_of(result);
     fit_picture const picture = make_fit_picture(result, view);

@@ -119,7 +119,9 @@ private:
     }
 
     std::string residual(double r) const {
-        return picture_.is_rounding ? short_text(r) : decimal_text(r, residual_decimals(result_));
+        if (picture_.is_rounding) return short_text(r);
+        bool const is_zero = std::fabs(r) <= picture_.rounding;  // as of a contact
+        return decimal_text(is_zero ? 0 : r, residual_decimals(result_));
     }
     // As many decimals as the residuals have.
     std::string parameter(figure const& f, std::size_t i) const {

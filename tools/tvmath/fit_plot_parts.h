@@ -84,6 +84,11 @@ int residual_decimals(fit_result const& result);
 
 /// The points that a picture marks: the contacts of a zone, else both extremes.
 std::vector<extreme_point> marked_points(fit_result const& result);
+/// Whether such a point lies on the upper boundary of its zone; without one, not below the feature.
+bool is_above(extreme_point const& e, fit_result const& result);
+inline color ink_of(extreme_point const& e, fit_result const& result) {
+    return is_above(e, result) ? above_ink : below_ink;
+}
 /// So many of them have room for a label.
 constexpr std::size_t most_labels = 12;
 canvas_path ring_at(spot center, double radius);

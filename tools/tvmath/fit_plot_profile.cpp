@@ -133,7 +133,7 @@ private:
         for (std::size_t i = 0; i < marked.size(); ++i) {
             extreme_point const& e = marked[i];
             bool const is_high = 2 * e.residual > result_.highest.residual + result_.lowest.residual;
-            color const ink = e.residual < 0 || (result_.is_zone() && !is_high) ? below_ink : above_ink;
+            color const ink = ink_of(e, result_);
             c_.dots({at(e.index)}, 2.6, ink);
             if (i >= most_labels) continue;
             labels.place(at(e.index), {0, is_high ? -1.0 : 1.0}, "point " + std::to_string(e.index + 1),

@@ -215,24 +215,18 @@ private:
         }
         for (extreme_point const& e : marked) {
             c_.stroke(ring_at(tip(e.index), 4.5), {{1, 1, 1}, 3.2});
-            c_.stroke(ring_at(tip(e.index), 4.5), {ink_of(e), 1.3});
+            c_.stroke(ring_at(tip(e.index), 4.5), {ink_of(e, picture_.result), 1.3});
         }
         // All contacts of one boundary have one residual, which the figures tell.
         bool const is_zone = picture_.result.is_zone();
         for (std::size_t i = 0; i < std::min(marked.size(), most_labels); ++i) {
             extreme_point const& e = marked[i];
-            spot const out = view_.points[e.index].out, way = is_high(e) ? out : -1.0 * out;
+            spot const out = view_.points[e.index].out, way = is_above(e, picture_.result) ? out : -1.0 * out;
             labels.place(tip(e.index), {way.x, -way.y},
                          is_zone ? "point " + std::to_string(e.index + 1) : extreme_text(e, picture_.result),
-                         {.size = 8.5, .ink = ink_of(e), .bold = true, .halo = true});
+                         {.size = 8.5, .ink = ink_of(e, picture_.result), .bold = true, .halo = true});
         }
     }
-
-    bool is_high(extreme_point const& e) const {
-        fit_result const& r = picture_.result;
-        return r.is_zone() ? 2 * e.residual > r.highest.residual + r.lowest.residual : e.residual >= 0;
-    }
-    color ink_of(extreme_point const& e) const { return is_high(e) ? above_ink : below_ink; }
 
     canvas& c_;
     fit_picture const& picture_;

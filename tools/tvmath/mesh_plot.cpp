@@ -109,9 +109,11 @@ private:
 
     void draw_numbers() {
         label_placer labels(c_, panel_);
+        spot const middle = panel_.corner + 0.5 * spot{panel_.width, panel_.height};
         for (std::size_t i = 0; i < mesh_.points.size(); ++i) labels.keep_clear(at(i), 3);
         for (std::size_t i = 0; i < mesh_.points.size(); ++i)
-            labels.place(at(i), {0, -1}, std::to_string(i + 1), {.size = 8, .ink = text_ink, .halo = true});
+            labels.place(at(i), at(i) - middle, std::to_string(i + 1),
+                         {.size = 8, .ink = text_ink, .halo = true});
     }
 
     canvas& c_;

@@ -1,6 +1,7 @@
 #include "mesh_result.h"
 
 #include <cmath>
+#include <new>
 
 #include "tvmath/delaunay.h"
 
@@ -66,10 +67,7 @@ bool triangulate(std::vector<point> points, mesh_result& mesh, std::string& reas
     double const* const first = &fresh.points.front().x();
     std::vector<Delaunay::Edge> edges(Delaunay::delaunay_triangulation__edge_buffer_count(n));
     edges.resize(Delaunay::delaunay_triangulation(first, n, sizeof(point), edges.data()));
-    if (edges.empty()) {
-        reason = "there is not enough memory for the mesh";
-        return false;
-    }
+    if (edges.empty()) throw std::bad_alloc();
     std::vector<Delaunay::Triad> triads(
         Delaunay::make_mesh__triad_count(n, static_cast<unsigned int>(edges.size())));
     if (triads.empty()) {
@@ -79,6 +77,10 @@ bool triangulate(std::vector<point> points, mesh_result& mesh, std::string& reas
     Delaunay::make_mesh(edges.data(), static_cast<unsigned int>(edges.size()), triads.data());
     edge_reader reader(fresh, first);
     reader.read(edges);
+    if (!std::isfinite(fresh.area) || !std::isfinite(fresh.perimeter)) {
+        reason = "there is no mesh: the coordinates are too large to calculate with";
+        return false;
+    }
     for (Delaunay::Triad const& t : triads)
         fresh.triangles.push_back({reader.index(t.a), reader.index(t.b), reader.index(t.c)});
     mesh = std::move(fresh);
