@@ -33,7 +33,8 @@ public:
         std::string label = form_label(result_);
         label[0] = static_cast<char>(label[0] - 'a' + 'A');
         c_.text({left_, y_}, label, {.size = 10.5, .ink = text_ink, .bold = true});
-        c_.text({right_, y_}, residual(result_.form_error),
+        c_.text({right_, y_},
+                picture_.is_rounding ? short_text(result_.form_error, 2) : residual(result_.form_error),
                 {.size = 10.5, .ink = text_ink, .bold = true, .across = 1});
         y_ += 4;
         next();

@@ -68,11 +68,12 @@ public:
     void draw() {
         c_.begin_clip(panel_.corner, panel_.width, panel_.height);
         if (has_zone()) draw_zone();
-        for (outline const& o : view_.guides) c_.stroke(polygon(panel_, o, 0), {faint_ink, 0.7, 4});
+        if (view_.style == view_style::whiskers) draw_guides({faint_ink, 0.7, 4});
         bool const is_map = view_.style == view_style::map;
         if (is_map) {
             draw_outlines({frame_ink, 0.8});
             draw_colored_points();
+            draw_guides({feature_ink, 0.8, 4});
         } else {
             draw_whiskers();
             if (has_zone() && picture_.result.is_zone()) draw_boundaries();
@@ -92,6 +93,10 @@ private:
 
     void draw_outlines(pen const& with) {
         for (outline const& o : view_.outlines) c_.stroke(polygon(panel_, o, 0), with);
+    }
+
+    void draw_guides(pen const& with) {
+        for (outline const& o : view_.guides) c_.stroke(polygon(panel_, o, 0), with);
     }
 
     // Between the parallels through the extreme points, enlarged as the residuals are. As a broad line along
