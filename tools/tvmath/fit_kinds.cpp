@@ -89,7 +89,7 @@ std::vector<fit_kind> make_zone_kinds() {
     return {
         {"minimum zone circle", "circle", 3, false, false, nominal, Circle_Description::type_value,
          roundness("MZCI"),
-         "rings get ever narrower the farther off their center is, as for points on a line, or the points "
+         "rings get ever narrower the farther off their centre is, as for points on a line, or the points "
          "are all equal, or fill an area",
          fit_zone_circle},
         {"minimum zone line", "line", 2, false, false, nominal, Segment_Description::type_value,
@@ -99,7 +99,7 @@ std::vector<fit_kind> make_zone_kinds() {
          "the points lie on one line, or are fewer than 3 different ones", fit_zone_plane},
         {"inscribed circle", "inscribed", 3, false, false, nominal, Circle_Description::type_value,
          roundness("MICI"),
-         "the points enclose no center, as those of a smooth arc of less than a half circle",
+         "the points enclose no centre, as those of a smooth arc of less than a half circle",
          fit_inscribed_circle},
         {"circumscribed circle", "circumscribed", 2, false, false, nominal, Circle_Description::type_value,
          roundness("MCCI"), "the points are all equal", fit_circumscribed_circle},

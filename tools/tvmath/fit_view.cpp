@@ -110,7 +110,7 @@ fit_view composite_view(fit_result const& result, point const& origin) {
     return whole;
 }
 
-// Joins the contacts of each boundary, in their order about their middle: the polygon that holds the center,
+// Joins the contacts of each boundary, in their order about their middle: the polygon that holds the centre,
 // or crosses the other one, shows that nothing better is near.
 void join_contacts(fit_result const& result, fit_view& view) {
     std::map<std::string, std::vector<spot>> sides;

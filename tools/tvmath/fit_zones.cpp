@@ -16,7 +16,7 @@ bool fit_zone_circle(fit_input const& in, fitted_feature& fitted) {
 }
 
 bool fit_inscribed_circle(fit_input const& in, fitted_feature& fitted) {
-    fitted.method = "the largest circle without a point inside, its center amid its contacts";
+    fitted.method = "the largest circle without a point inside, its centre amid its contacts";
     fitted.boundaries.low = "inner";
     return keep<Circle_Description>(maximum_inscribed_circle(in.points), fitted);
 }
