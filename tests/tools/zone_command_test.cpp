@@ -205,5 +205,19 @@ TEST(ZoneCommand, NamesAllContactsThatHoldAZone) {
     }
 }
 
+// The centre is some hundred times as far away as the points are from each other.
+TEST(ZoneCommand, NamesTheContactsOfAShortArc) {
+    seeded_random random(8);
+    for (int trial = 0; trial < 50; ++trial) {
+        std::vector<point> points;
+        for (int i = 0; i < 60; ++i) points.push_back(at(i, 1e-4 * i * i + 0.01 * random.normal()));
+        fit_result result;
+        std::string reason;
+        bool is_usage = false;
+        ASSERT_TRUE(fit_feature(*find_zone_kind("circle"), points, {60}, {}, result, reason, is_usage));
+        EXPECT_EQ(result.contacts.size(), 4u) << trial;
+    }
+}
+
 }  // namespace
 }  // namespace tvmath

@@ -86,11 +86,23 @@ extreme_point extreme_at(std::vector<point> const& points, std::vector<double> c
     return {index, points[index], residuals[index]};
 }
 
+constexpr double few_roundings = 8 * std::numeric_limits<double>::epsilon();
+
+// Of distances from the feature: the centre of a short arc is far from its points.
+double rounding_of(std::vector<figure> const& figures) {
+    double largest = 0;
+    for (figure const& f : figures) {
+        if (f.kind != figure_kind::length && f.kind != figure_kind::location) continue;
+        for (double const v : f.values) largest = std::max(largest, std::fabs(v));
+    }
+    return few_roundings * largest;
+}
+
 // The points of each boundary, to rounding. Where the boundaries are one, each point touches both.
 std::vector<contact_point> contacts_of(fitted_feature const& fitted, std::vector<point> const& points,
-                                       double highest, double lowest) {
+                                       std::vector<figure> const& figures, double highest, double lowest) {
     std::vector<contact_point> contacts;
-    double const rounding = rounding_of(points);
+    double const rounding = std::max(rounding_of(points), rounding_of(figures));
     auto const add = [&](std::string const& side, double boundary) {
         for (std::size_t i = 0; i < points.size(); ++i) {
             double const r = fitted.residuals[i];
@@ -113,7 +125,7 @@ double rounding_of(std::vector<point> const& points) {
     double largest = 0;
     for (point const& p : points)
         largest = std::max({largest, std::fabs(p.x()), std::fabs(p.y()), p.is_3d() ? std::fabs(p.z()) : 0.0});
-    return 8 * std::numeric_limits<double>::epsilon() * largest;
+    return few_roundings * largest;
 }
 
 bool fit_result::forgets_z() const {
@@ -179,7 +191,7 @@ bool fit_feature(fit_kind const& kind, std::vector<point> const& points,
     }
     fresh.highest = extreme_at(points, residuals, most);
     fresh.lowest = extreme_at(points, residuals, least);
-    fresh.contacts = contacts_of(fitted, points, *most, *least);
+    fresh.contacts = contacts_of(fitted, points, fresh.figures, *most, *least);
     fresh.has_standard_names = kind.form.symbol && (fitted.method == "least squares" || fresh.is_zone()) &&
                                !known.has(~(option_nominal));
     fresh.tolerance = known.tolerance;
