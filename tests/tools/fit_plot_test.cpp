@@ -86,8 +86,10 @@ void expect_readable(fit_result const& result) {
     if (make_fit_picture(result, view).is_rounding) {
         EXPECT_TRUE(c.says("rounding"));
     } else {
-        EXPECT_TRUE(c.says("point " + std::to_string(result.highest.index + 1)));
-        EXPECT_TRUE(c.says("point " + std::to_string(result.lowest.index + 1)));
+        std::vector<extreme_point> const marked = marked_points(result);
+        for (std::size_t i = 0; i < std::min(marked.size(), most_labels); ++i)
+            EXPECT_TRUE(c.says("point " + std::to_string(marked[i].index + 1)));
+        EXPECT_EQ(c.says("contact points"), result.is_zone());
     }
 }
 
@@ -126,6 +128,27 @@ TEST(FitPlot, IsReadableForEveryKindPerfectOrScatteredSmallOrFar) {
                 SCOPED_TRACE(std::to_string(size) + " at " + std::to_string(offset.x()));
                 expect_readable(result);
             }
+        }
+    }
+}
+
+TEST(FitPlot, IsReadableForEveryZone) {
+    seeded_random random(3);
+    for (fit_kind const& kind : zone_kinds()) {
+        for (int trial = 0; trial < 12; ++trial) {
+            double const size = std::pow(10, trial % 4), noise = trial < 8 ? 0.001 * size : 0;
+            std::vector<point> points =
+                circle_points(random, at(0, 1e5), size, 0, 6.28, 10 + 9 * trial, noise);
+            for (point& p : points) {
+                p.promote3d();
+                p.z() = noise * random.normal();
+            }
+            fit_result result;
+            std::string reason;
+            bool is_usage = false;
+            SCOPED_TRACE(std::string(kind.name) + ' ' + std::to_string(trial));
+            ASSERT_TRUE(fit_feature(kind, points, {points.size()}, {}, result, reason, is_usage)) << reason;
+            expect_readable(result);
         }
     }
 }

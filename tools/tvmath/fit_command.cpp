@@ -18,10 +18,11 @@ std::string suffix_of(std::string const& name) {
 }
 
 // What can be wrong with a request before any file is read.
-exit_status check(fit_request const& request, fit_kind const* kind, fit_conditions& known,
-                  std::string& reason) {
+exit_status check(fit_request const& request, fit_kind const* kind, char const* command,
+                  fit_conditions& known, std::string& reason) {
     if (!kind) {
-        reason = "there is no kind '" + shown_name(request.kind) + "' (tvmath fit --help lists them)";
+        reason =
+            "there is no kind '" + shown_name(request.kind) + "' (tvmath " + command + " --help lists them)";
         return exit_status::wrong_usage;
     }
     if (!read_conditions(request, *kind, known, reason)) return exit_status::wrong_usage;
@@ -142,18 +143,30 @@ private:
     exit_status status_ = exit_status::done;
 };
 
-}  // namespace
-
-exit_status run_fit(fit_request const& request, std::ostream& out, std::ostream& err) {
-    fit_kind const* const kind = find_fit_kind(request.kind);
+exit_status run(fit_request const& request, fit_kind const* kind, char const* command, std::ostream& out,
+                std::ostream& err) {
     fit_conditions known;
     std::string reason;
-    exit_status const status = check(request, kind, known, reason);
+    exit_status const status = check(request, kind, command, known, reason);
     if (status != exit_status::done) {
         err << "tvmath: " << reason << '\n';
         return status;
     }
     return fit_run(request, *kind, known, out, err).run();
+}
+
+}  // namespace
+
+exit_status run_fit(fit_request const& request, std::ostream& out, std::ostream& err) {
+    fit_kind const* const kind = find_fit_kind(request.kind);
+    if (!request.zone || !kind || !(kind->options & option_zone)) return run(request, kind, "fit", out, err);
+    fit_request of_zone = request;
+    of_zone.zone = false;
+    return run(of_zone, find_zone_kind(kind->name), "fit", out, err);
+}
+
+exit_status run_zone(fit_request const& request, std::ostream& out, std::ostream& err) {
+    return run(request, find_zone_kind(request.kind), "zone", out, err);
 }
 
 }  // namespace tvmath

@@ -12,4 +12,7 @@ inline namespace tvmath {
 /// worst status of all is returned.
 exit_status run_fit(fit_request const& request, std::ostream& out, std::ostream& err);
 
+/// The same for the kinds of zones.
+exit_status run_zone(fit_request const& request, std::ostream& out, std::ostream& err);
+
 }  // namespace tvmath

@@ -5,8 +5,16 @@
 inline namespace tvmath {
 namespace {
 
-constexpr form_names no_name = {nullptr, nullptr, nullptr};
-constexpr form_names roundness = {"roundness", "RON", "ISO 12181"};
+constexpr form_names no_name = {nullptr, nullptr, nullptr, nullptr};
+constexpr form_names roundness(char const* reference) {
+    return {"roundness", "RON", "ISO 12181", reference};
+}
+constexpr form_names straightness(char const* reference) {
+    return {"straightness", "STR", "ISO 12780", reference};
+}
+constexpr form_names flatness(char const* reference) {
+    return {"flatness", "FLT", "ISO 12781", reference};
+}
 constexpr unsigned held = option_center | option_through | option_tangent | option_quick;
 
 std::vector<fit_kind> make_kinds() {
@@ -14,19 +22,15 @@ std::vector<fit_kind> make_kinds() {
     return {
         {"point", nullptr, 1, false, false, nominal | option_quick, Point_Description::type_value, no_name,
          "the points have no centroid", fit_point},
-        {"line",
-         "segment",
-         2,
-         false,
-         false,
-         nominal | option_quick | option_center | option_through | option_parallel | option_perpendicular,
-         Segment_Description::type_value,
-         {"straightness", "STR", "ISO 12780"},
-         "the points scatter equally in every direction, or are all equal",
-         fit_line},
-        {"circle", nullptr, 3, false, false, nominal | held | option_diameter, Circle_Description::type_value,
-         roundness, "the points lie on one line, or are fewer than 3 different ones", fit_circle},
-        {"arc", nullptr, 3, false, false, nominal | held, Arc_Description::type_value, roundness,
+        {"line", "segment", 2, false, false,
+         nominal | option_quick | option_zone | option_center | option_through | option_parallel |
+             option_perpendicular,
+         Segment_Description::type_value, straightness("LSLI"),
+         "the points scatter equally in every direction, or are all equal", fit_line},
+        {"circle", nullptr, 3, false, false, nominal | held | option_zone | option_diameter,
+         Circle_Description::type_value, roundness("LSCI"),
+         "the points lie on one line, or are fewer than 3 different ones", fit_circle},
+        {"arc", nullptr, 3, false, false, nominal | held, Arc_Description::type_value, roundness("LSCI"),
          "the points lie on one line, or are fewer than 3 different ones", fit_arc},
         {"ellipse", nullptr, 5, false, false, nominal | option_center | option_quick,
          Ellipse_Description::type_value, no_name,
@@ -43,16 +47,9 @@ std::vector<fit_kind> make_kinds() {
          "the points leave a gap of half a turn or more about their centre", fit_ring},
         {"o-ring", "oring", 8, false, false, nominal, ORing_Description::type_value, no_name,
          "the points do not part into two outlines, each without a gap of half a turn", fit_oring},
-        {"plane",
-         nullptr,
-         3,
-         true,
-         false,
-         nominal | option_center | option_parallel,
-         Plane_Description::type_value,
-         {"flatness", "FLT", "ISO 12781"},
-         "the points lie on one line, or are fewer than 3 different ones",
-         fit_plane},
+        {"plane", nullptr, 3, true, false, nominal | option_zone | option_center | option_parallel,
+         Plane_Description::type_value, flatness("LSPL"),
+         "the points lie on one line, or are fewer than 3 different ones", fit_plane},
         {"sphere", nullptr, 4, true, false, nominal | held, Sphere_Description::type_value, no_name,
          "the points lie in one plane, or are fewer than 4 different ones", fit_sphere},
         {"cylinder",
@@ -62,7 +59,7 @@ std::vector<fit_kind> make_kinds() {
          false,
          nominal | option_center | option_parallel,
          Cylinder_Description::type_value,
-         {"cylindricity", "CYL", "ISO 12180"},
+         {"cylindricity", "CYL", "ISO 12180", "LSCY"},
          "the points lie in one plane or at one place along the axis, or a plane fits them as well",
          fit_cylinder},
         {"cone", nullptr, 6, true, false, nominal | option_center | option_parallel,
@@ -86,6 +83,46 @@ std::vector<fit_kind> make_kinds() {
     };
 }
 
+// The names are phrases for people; the alias is what is typed.
+std::vector<fit_kind> make_zone_kinds() {
+    constexpr unsigned nominal = option_nominal;
+    return {
+        {"minimum zone circle", "circle", 3, false, false, nominal, Circle_Description::type_value,
+         roundness("MZCI"),
+         "rings get ever narrower the farther off their centre is, as for points on a line, or the points "
+         "are all equal, or fill an area",
+         fit_zone_circle},
+        {"minimum zone line", "line", 2, false, false, nominal, Segment_Description::type_value,
+         straightness("MZLI"), "the points are all equal", fit_zone_line},
+        {"minimum zone plane", "plane", 3, true, false, nominal | option_parallel,
+         Plane_Description::type_value, flatness("MZPL"),
+         "the points lie on one line, or are fewer than 3 different ones", fit_zone_plane},
+        {"inscribed circle", "inscribed", 3, false, false, nominal, Circle_Description::type_value,
+         roundness("MICI"),
+         "the points enclose no centre, as those of a smooth arc of less than a half circle",
+         fit_inscribed_circle},
+        {"circumscribed circle", "circumscribed", 2, false, false, nominal, Circle_Description::type_value,
+         roundness("MCCI"), "the points are all equal", fit_circumscribed_circle},
+        {"circumscribed sphere", "sphere", 2, true, false, nominal, Sphere_Description::type_value, no_name,
+         "the points are all equal", fit_circumscribed_sphere},
+        {"seating plane", "seating", 3, true, false, nominal | option_flip, Plane_Description::type_value,
+         no_name, "the points lie on one line as seen along Z", fit_seating_plane},
+    };
+}
+
+fit_kind const* find_kind(std::vector<fit_kind> const& kinds, std::string const& name) {
+    for (fit_kind const& kind : kinds) {
+        if (name == kind.name || (kind.alias && name == kind.alias)) return &kind;
+    }
+    return nullptr;
+}
+
+std::string row_of_help(std::string const& name, fit_kind const& kind) {
+    std::string const least = std::to_string(kind.least_points);
+    return "  " + name + std::string(15 - name.size(), ' ') + least +
+           (kind.in_space ? " in space  " : "           ") + option_names(kind.options) + '\n';
+}
+
 }  // namespace
 
 std::string fit_kind::named() const {
@@ -98,20 +135,28 @@ std::vector<fit_kind> const& fit_kinds() {
     return kinds;
 }
 
+std::vector<fit_kind> const& zone_kinds() {
+    static std::vector<fit_kind> const kinds = make_zone_kinds();
+    return kinds;
+}
+
 fit_kind const* find_fit_kind(std::string const& name) {
-    for (fit_kind const& kind : fit_kinds()) {
-        if (name == kind.name || (kind.alias && name == kind.alias)) return &kind;
-    }
-    return nullptr;
+    return find_kind(fit_kinds(), name);
+}
+
+fit_kind const* find_zone_kind(std::string const& name) {
+    return find_kind(zone_kinds(), name);
 }
 
 std::string fit_kinds_help() {
     std::string text = "Kinds, the points they need, and the options on what is known of them:\n";
-    for (fit_kind const& kind : fit_kinds()) {
-        std::string const name = kind.name, least = std::to_string(kind.least_points);
-        text += "  " + name + std::string(15 - name.size(), ' ') + least +
-                (kind.in_space ? " in space  " : "           ") + option_names(kind.options) + '\n';
-    }
+    for (fit_kind const& kind : fit_kinds()) text += row_of_help(kind.name, kind);
+    return text;
+}
+
+std::string zone_kinds_help() {
+    std::string text = "Kinds, the points they need, and the options of each:\n";
+    for (fit_kind const& kind : zone_kinds()) text += row_of_help(kind.alias, kind);
     return text;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,13 @@ struct fit_input {
     std::vector<std::size_t> sizes;  ///< of the parts of `points` that came from one file each
 };
 
+/// What the boundaries of a zone are called on which the highest and the lowest residuals lie. Null for one
+/// that settles nothing.
+struct boundary_names {
+    char const* high = nullptr;
+    char const* low = nullptr;
+};
+
 /// What a fit gives.
 struct fitted_feature {
     std::shared_ptr<Geometry_Description> record;
@@ -29,6 +37,8 @@ struct fitted_feature {
     unsigned int parameters = 0;
     /// Left empty by a fit whose record `calculate_errors` measures.
     std::vector<double> residuals;
+    boundary_names boundaries;         ///< of a zone
+    std::optional<double> zone_width;  ///< where the fit tells it to more digits than the residuals do
     std::vector<std::shared_ptr<Geometry_Description>> parts;  ///< of a composite, at their places
     /// A reason of its own, where the kind's general one does not serve; a usage error if `is_usage`.
     std::string reason;
@@ -37,9 +47,10 @@ struct fitted_feature {
 
 /// The names of form errors in the standards.
 struct form_names {
-    char const* word;      ///< "roundness"; null for a kind without a name of its own
-    char const* symbol;    ///< "RON", before t, p, v and q
-    char const* standard;  ///< "ISO 12181"
+    char const* word;       ///< "roundness"; null for a kind without a name of its own
+    char const* symbol;     ///< "RON", before t, p, v and q
+    char const* standard;   ///< "ISO 12181"
+    char const* reference;  ///< the standard's code of the feature that the kind fits: "LSCI", "MZCI"
 };
 
 /// One row of the table of all kinds.
@@ -60,10 +71,14 @@ struct fit_kind {
 };
 
 std::vector<fit_kind> const& fit_kinds();
+/// The kinds of `tvmath zone`, which have contact points.
+std::vector<fit_kind> const& zone_kinds();
 /// Null when there is none of that name.
 fit_kind const* find_fit_kind(std::string const& name);
+fit_kind const* find_zone_kind(std::string const& name);
 /// For the help.
 std::string fit_kinds_help();
+std::string zone_kinds_help();
 
 // The fits of the table. Each sets `fitted` but for what follows from its record; false when the points
 // determine no such feature.
@@ -87,5 +102,12 @@ bool fit_open_nurb(fit_input const& in, fitted_feature& fitted);
 bool fit_closed_nurb(fit_input const& in, fitted_feature& fitted);
 bool fit_transform(fit_input const& in, fitted_feature& fitted);
 bool fit_whole_composite(fit_input const& in, fitted_feature& fitted);
+bool fit_zone_line(fit_input const& in, fitted_feature& fitted);
+bool fit_zone_circle(fit_input const& in, fitted_feature& fitted);
+bool fit_inscribed_circle(fit_input const& in, fitted_feature& fitted);
+bool fit_circumscribed_circle(fit_input const& in, fitted_feature& fitted);
+bool fit_zone_plane(fit_input const& in, fitted_feature& fitted);
+bool fit_seating_plane(fit_input const& in, fitted_feature& fitted);
+bool fit_circumscribed_sphere(fit_input const& in, fitted_feature& fitted);
 
 }  // namespace tvmath

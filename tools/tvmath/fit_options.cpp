@@ -29,6 +29,8 @@ option_name const names[] = {
     {option_quick, "--quick"},
     {option_diameter, "--diameter"},
     {option_sort, "--sort"},
+    {option_zone, "--zone"},
+    {option_flip, "--flip"},
 };
 
 struct method_name {
@@ -54,6 +56,8 @@ unsigned given_options(fit_request const& request) {
     note(request.quick, option_quick);
     note(request.diameter, option_diameter);
     note(request.sort, option_sort);
+    note(request.zone, option_zone);
+    note(request.flip, option_flip);
     return given;
 }
 

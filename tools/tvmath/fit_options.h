@@ -23,7 +23,7 @@ struct fit_request {
     std::string residuals;  ///< file to be written
     std::string plot;       ///< file to be written
     std::string tolerance;
-    bool quick = false, diameter = false, sort = false;
+    bool quick = false, diameter = false, sort = false, zone = false, flip = false;
     bool json = false, decimal_comma = false;
 };
 
@@ -40,6 +40,8 @@ enum fit_option : unsigned {
     option_quick = 0x100,
     option_diameter = 0x200,
     option_sort = 0x400,
+    option_zone = 0x800,
+    option_flip = 0x1000,
 };
 
 enum class path_method { interpolating, least_squares, minimum_curvature };

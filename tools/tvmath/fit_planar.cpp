@@ -26,16 +26,6 @@ line line_along(point const& center, point const& direction, std::vector<point> 
     return line(center + direction * low, center + direction * high);
 }
 
-// A shape without extent is none for anybody who asked for one.
-template <class kind, class shape>
-bool keep(shape const& geometry, fitted_feature& fitted) {
-    if (geometry.is_trivial() || !(geometry.size(1) > 0)) return false;
-    auto record = std::make_shared<kind>();
-    record->geometry = geometry;
-    fitted.record = std::move(record);
-    return true;
-}
-
 }  // namespace
 
 bool fit_point(fit_input const& in, fitted_feature& fitted) {

@@ -25,28 +25,6 @@ std::string title_of(fit_result const& result) {
     return title;
 }
 
-// The names of the files without their folders, which say nothing to a reader elsewhere.
-std::string names_of(std::string const& files) {
-    std::string names;
-    for (std::size_t from = 0; from <= files.size();) {
-        std::size_t const to = std::min(files.find(" + ", from), files.size());
-        names += (from > 0 ? " + " : "") +
-                 std::filesystem::path(files.substr(from, to - from)).filename().string();
-        from = to + 3;
-    }
-    return names;
-}
-
-std::string cut(canvas& c, std::string words, text_style const& style, double width) {
-    if (c.text_width(words, style) <= width) return words;
-    while (words.size() > 1 && c.text_width(words + " \u2026", style) > width) {
-        words.pop_back();
-        // Not through the middle of a character.
-        while (!words.empty() && (words.back() & 0xC0) == 0x80) words.pop_back();
-    }
-    return words + " \u2026";
-}
-
 void draw_title(canvas& c, fit_result const& result) {
     text_style const big = {.size = 17, .ink = text_ink, .bold = true},
                      small = {.size = 9.5, .ink = faint_ink};
@@ -59,14 +37,6 @@ void draw_title(canvas& c, fit_result const& result) {
     std::string words = result.method + (result.forgets_z() ? ", fitted in XY" : "");
     for (std::string const& condition : result.conditions) words += "  \u00b7  " + condition;
     c.text({28, 51}, cut(c, words, small, right - 28), small);
-}
-
-// Residuals of that size are what rounding of the coordinates leaves.
-double rounding_of(std::vector<point> const& points) {
-    double largest = 0;
-    for (point const& p : points)
-        largest = std::max({largest, std::fabs(p.x()), std::fabs(p.y()), p.is_3d() ? std::fabs(p.z()) : 0.0});
-    return 8 * std::numeric_limits<double>::epsilon() * largest;
 }
 
 // The dots of a map. Of many points the mean in each cell: single points would hide each other, and the form
@@ -117,6 +87,27 @@ fit_picture make_fit_picture(fit_result const& result, fit_view const& view) {
     return picture;
 }
 
+std::string names_of(std::string const& files) {
+    std::string names;
+    for (std::size_t from = 0; from <= files.size();) {
+        std::size_t const to = std::min(files.find(" + ", from), files.size());
+        names += (from > 0 ? " + " : "") +
+                 std::filesystem::path(files.substr(from, to - from)).filename().string();
+        from = to + 3;
+    }
+    return names;
+}
+
+std::string cut(canvas& c, std::string words, text_style const& style, double width) {
+    if (c.text_width(words, style) <= width) return words;
+    while (words.size() > 1 && c.text_width(words + " \u2026", style) > width) {
+        words.pop_back();
+        // Not through the middle of a character.
+        while (!words.empty() && (words.back() & 0xC0) == 0x80) words.pop_back();
+    }
+    return words + " \u2026";
+}
+
 std::string factor_text(double factor) {
     if (factor < 10 || factor > 1e9) return short_text(factor);
     std::string text = decimal_text(factor, 0);
@@ -141,6 +132,20 @@ int residual_decimals(fit_result const& result) {
 std::string extreme_text(extreme_point const& e, fit_result const& result) {
     std::string const size = decimal_text(e.residual, residual_decimals(result));
     return "point " + std::to_string(e.index + 1) + "  " + (e.residual > 0 ? "+" : "") + size;
+}
+
+std::vector<extreme_point> marked_points(fit_result const& result) {
+    std::vector<extreme_point> marked;
+    for (contact_point const& contact : result.contacts) marked.push_back(contact.at);
+    if (!marked.empty()) return marked;
+    marked.push_back(result.highest);
+    if (result.lowest.index != result.highest.index) marked.push_back(result.lowest);
+    return marked;
+}
+
+bool is_above(extreme_point const& e, fit_result const& result) {
+    double const middle = (result.highest.residual + result.lowest.residual) / 2;
+    return result.is_zone() ? e.residual > middle : e.residual >= 0;
 }
 
 void draw_fit(canvas& c, fit_result const& result) {

@@ -33,7 +33,8 @@ public:
         std::string label = form_label(result_);
         label[0] = static_cast<char>(label[0] - 'a' + 'A');
         c_.text({left_, y_}, label, {.size = 10.5, .ink = text_ink, .bold = true});
-        c_.text({right_, y_}, residual(result_.form_error),
+        c_.text({right_, y_},
+                picture_.is_rounding ? short_text(result_.form_error, 2) : residual(result_.form_error),
                 {.size = 10.5, .ink = text_ink, .bold = true, .across = 1});
         y_ += 4;
         next();
@@ -43,7 +44,7 @@ public:
                     {.size = size_, .ink = kept ? color{0.05, 0.45, 0.20} : above_ink, .bold = true});
             value(short_text(*result_.tolerance));
         }
-        if (result_.has_standard_names) {
+        if (result_.has_standard_names && !result_.is_zone()) {
             std::string const symbol = result_.kind->form.symbol;
             row("peak " + symbol + "p", residual(result_.highest.residual));
             row("valley " + symbol + "v", residual(-result_.lowest.residual));
@@ -119,7 +120,9 @@ private:
     }
 
     std::string residual(double r) const {
-        return picture_.is_rounding ? short_text(r) : decimal_text(r, residual_decimals(result_));
+        if (picture_.is_rounding) return short_text(r);
+        bool const is_zero = std::fabs(r) <= picture_.rounding;  // as of a contact
+        return decimal_text(is_zero ? 0 : r, residual_decimals(result_));
     }
     // As many decimals as the residuals have.
     std::string parameter(figure const& f, std::size_t i) const {
@@ -170,6 +173,7 @@ public:
         c_.stroke(bar, {text_ink, 1});
         c_.text({left_ + drawn + 6, y_}, "a residual of " + short_text(length), {.size = 8, .ink = text_ink});
         up();
+        add_contacts();
         if (!view.outlines.empty()) entry(zone_ink, "zone of the form error");
         if (!view.below.empty()) entry(below_ink, "\u2212  " + view.below);
         entry(above_ink, view.below.empty() ? view.above : "+  " + view.above);
@@ -178,6 +182,7 @@ public:
 
     void draw_colors() {
         double const largest = picture_.color_range, width = right_ - left_;
+        add_contacts();
         constexpr int steps = 24;
         c_.text({left_, y_}, number(-largest), {.size = 8, .ink = text_ink});
         c_.text({left_ + width / 2, y_}, "0", {.size = 8, .ink = text_ink, .across = 0.5});
@@ -211,6 +216,12 @@ private:
         box.close();
         c_.fill(box, ink);
     }
+    void add_contacts() {
+        if (!picture_.result.is_zone()) return;
+        c_.stroke(ring_at({left_ + 7, y_ - 3}, 4.5), {text_ink, 1.3});
+        c_.text({left_ + 20, y_}, "contact points", {.size = 8.5, .ink = text_ink});
+        up();
+    }
     void entry(color const& ink, std::string const& words) {
         swatch({left_, y_ + 0.5}, 14, 8, ink);
         c_.text({left_ + 20, y_}, words, {.size = 8.5, .ink = text_ink});
@@ -227,7 +238,7 @@ private:
 void draw_figures(canvas& c, fit_picture const& picture, spot corner, double width, double height,
                   double view_scale) {
     figure_column column(c, picture, corner, width);
-    column.fit_into(height - 84);
+    column.fit_into(height - (picture.result.is_zone() ? 98 : 84));
     column.draw_form();
     column.draw_parameters();
     legend what(c, picture, {corner.x, corner.y + height}, width);

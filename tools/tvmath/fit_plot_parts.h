@@ -16,6 +16,7 @@ constexpr color feature_ink = {0.10, 0.12, 0.16}, text_ink = {0.13, 0.14, 0.17},
                 faint_ink = {0.45, 0.47, 0.51};
 constexpr color grid_ink = {0.91, 0.92, 0.93}, frame_ink = {0.70, 0.72, 0.75};
 constexpr color zone_ink = {0.96, 0.93, 0.80}, zone_edge_ink = {0.72, 0.62, 0.30};
+constexpr color boundary_ink = {0.55, 0.42, 0.05};
 
 /// A rectangle of the page in which something is drawn to scale; y of the page grows downward.
 struct plot_panel {
@@ -34,6 +35,13 @@ struct plot_panel {
 /// Frame, grid and ticks, with the names of both axes.
 void draw_axes(canvas& c, plot_panel const& panel, plot_axis const& x, plot_axis const& y,
                std::string const& x_label, std::string const& y_label);
+
+/// The panel that holds the extent with a margin; with `is_even` both axes have one scale.
+plot_panel panel_for(view_extent const& extent, bool is_even, spot corner, double width, double height);
+
+/// The same with ticks for places that count from `origin`, of an even panel in squares.
+void draw_grid(canvas& c, plot_panel const& panel, bool is_even, spot origin, std::string const& x_label,
+               std::string const& y_label);
 
 /// Beyond that many points those are drawn that can be told apart.
 constexpr std::size_t most_single = 1200;
@@ -61,6 +69,10 @@ struct fit_picture {
 
 fit_picture make_fit_picture(fit_result const& result, fit_view const& view);
 
+/// The names of the files without their folders, which say nothing to a reader elsewhere.
+std::string names_of(std::string const& files);
+/// As much of the words as fits into that width.
+std::string cut(canvas& c, std::string words, text_style const& style, double width);
 /// "500", "10 000", "2e+12".
 std::string factor_text(double factor);
 /// Between blue for -1, light grey for 0 and red for 1.
@@ -69,6 +81,17 @@ color residual_color(double part);
 std::string extreme_text(extreme_point const& e, fit_result const& result);
 /// The decimals that show a residual.
 int residual_decimals(fit_result const& result);
+
+/// The points that a picture marks: the contacts of a zone, else both extremes.
+std::vector<extreme_point> marked_points(fit_result const& result);
+/// Whether such a point lies on the upper boundary of its zone; without one, not below the feature.
+bool is_above(extreme_point const& e, fit_result const& result);
+inline color ink_of(extreme_point const& e, fit_result const& result) {
+    return is_above(e, result) ? above_ink : below_ink;
+}
+/// So many of them have room for a label.
+constexpr std::size_t most_labels = 12;
+canvas_path ring_at(spot center, double radius);
 
 /// The feature with its points, in the main panel. Returns the page points for a unit across.
 double draw_view(canvas& c, fit_picture const& picture, spot corner, double width, double height);

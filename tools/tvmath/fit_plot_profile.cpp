@@ -128,12 +128,14 @@ private:
 
     void draw_extremes() {
         label_placer labels(c_, panel_);
-        labels.keep_clear(at(result_.highest.index), 4);
-        labels.keep_clear(at(result_.lowest.index), 4);
-        for (bool const is_high : {true, false}) {
-            extreme_point const& e = is_high ? result_.highest : result_.lowest;
-            color const ink = e.residual < 0 ? below_ink : above_ink;
+        std::vector<extreme_point> const marked = marked_points(result_);
+        for (extreme_point const& e : marked) labels.keep_clear(at(e.index), 4);
+        for (std::size_t i = 0; i < marked.size(); ++i) {
+            extreme_point const& e = marked[i];
+            bool const is_high = 2 * e.residual > result_.highest.residual + result_.lowest.residual;
+            color const ink = ink_of(e, result_);
             c_.dots({at(e.index)}, 2.6, ink);
+            if (i >= most_labels) continue;
             labels.place(at(e.index), {0, is_high ? -1.0 : 1.0}, "point " + std::to_string(e.index + 1),
                          {.size = 8, .ink = ink, .bold = true, .halo = true});
         }

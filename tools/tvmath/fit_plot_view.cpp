@@ -56,16 +56,6 @@ canvas_path polygon(plot_panel const& panel, outline const& o, double offset, ca
     return path;
 }
 
-canvas_path ring_at(spot center, double radius) {
-    canvas_path path;
-    for (int i = 0; i < 32; ++i) {
-        double const a = 2 * pi * i / 32;
-        path.line_to({center.x + radius * std::cos(a), center.y + radius * std::sin(a)});
-    }
-    path.close();
-    return path;
-}
-
 class view_drawer {
 public:
     view_drawer(canvas& c, fit_picture const& picture, plot_panel const& panel)
@@ -78,13 +68,15 @@ public:
     void draw() {
         c_.begin_clip(panel_.corner, panel_.width, panel_.height);
         if (has_zone()) draw_zone();
-        for (outline const& o : view_.guides) c_.stroke(polygon(panel_, o, 0), {faint_ink, 0.7, 4});
+        if (view_.style == view_style::whiskers) draw_guides({faint_ink, 0.7, 4});
         bool const is_map = view_.style == view_style::map;
         if (is_map) {
             draw_outlines({frame_ink, 0.8});
             draw_colored_points();
+            draw_guides({feature_ink, 0.8, 4});
         } else {
             draw_whiskers();
+            if (has_zone() && picture_.result.is_zone()) draw_boundaries();
             draw_outlines({feature_ink, 1.2});
             draw_points();
         }
@@ -101,6 +93,10 @@ private:
 
     void draw_outlines(pen const& with) {
         for (outline const& o : view_.outlines) c_.stroke(polygon(panel_, o, 0), with);
+    }
+
+    void draw_guides(pen const& with) {
+        for (outline const& o : view_.guides) c_.stroke(polygon(panel_, o, 0), with);
     }
 
     // Between the parallels through the extreme points, enlarged as the residuals are. As a broad line along
@@ -206,25 +202,34 @@ private:
         c_.stroke(path, {faint_ink, 0.8});
     }
 
+    // Where the contacts of a zone lie, as far out as these are drawn.
+    void draw_boundaries() {
+        for (double const d : {picture_.result.highest.residual, picture_.result.lowest.residual}) {
+            for (outline const& o : view_.outlines)
+                c_.stroke(polygon(panel_, o, picture_.factor * d), {boundary_ink, 1.1});
+        }
+    }
+
     void draw_extremes() {
         if (picture_.is_rounding) return;
+        std::vector<extreme_point> const marked = marked_points(picture_.result);
         label_placer labels(c_, panel_);
-        for (extreme_point const* e : {&picture_.result.highest, &picture_.result.lowest}) {
-            labels.keep_clear(tip(e->index), 6);
-        }
+        for (extreme_point const& e : marked) labels.keep_clear(tip(e.index), 6);
         if (view_.points.size() <= most_avoided) {
             for (std::size_t i = 0; i < view_.points.size(); ++i) labels.keep_clear(tip(i), 3);
         }
-        for (extreme_point const* e : {&picture_.result.highest, &picture_.result.lowest}) {
-            bool const is_high = e == &picture_.result.highest;
-            if (!is_high && e->index == picture_.result.highest.index) break;
-            spot const at = tip(e->index), out = view_.points[e->index].out;
-            color const ink = e->residual < 0 ? below_ink : above_ink;
-            c_.stroke(ring_at(at, 4.5), {{1, 1, 1}, 3.2});
-            c_.stroke(ring_at(at, 4.5), {ink, 1.3});
-            spot const way = e->residual < 0 ? -1.0 * out : out;
-            labels.place(at, {way.x, -way.y}, extreme_text(*e, picture_.result),
-                         {.size = 8.5, .ink = ink, .bold = true, .halo = true});
+        for (extreme_point const& e : marked) {
+            c_.stroke(ring_at(tip(e.index), 4.5), {{1, 1, 1}, 3.2});
+            c_.stroke(ring_at(tip(e.index), 4.5), {ink_of(e, picture_.result), 1.3});
+        }
+        // All contacts of one boundary have one residual, which the figures tell.
+        bool const is_zone = picture_.result.is_zone();
+        for (std::size_t i = 0; i < std::min(marked.size(), most_labels); ++i) {
+            extreme_point const& e = marked[i];
+            spot const out = view_.points[e.index].out, way = is_above(e, picture_.result) ? out : -1.0 * out;
+            labels.place(tip(e.index), {way.x, -way.y},
+                         is_zone ? "point " + std::to_string(e.index + 1) : extreme_text(e, picture_.result),
+                         {.size = 8.5, .ink = ink_of(e, picture_.result), .bold = true, .halo = true});
         }
     }
 
@@ -253,34 +258,22 @@ view_extent extent_of(fit_picture const& picture) {
     return extent;
 }
 
-// The panel that holds the extent with a margin; evenly scaled where the view asks for it.
-plot_panel panel_for(view_extent const& e, bool is_even, spot corner, double width, double height) {
-    double const margin = 26, room_x = width - 2 * margin, room_y = height - 2 * margin;
-    double const size = std::max(e.width(), e.height());
-    // All in one place: there is no scale but the unit.
-    double const least = size > 0 ? 1e-9 * size : 1;
-    double const w = std::max(e.width(), least), h = std::max(e.height(), least);
-    double scale_x = room_x / w, scale_y = room_y / h;
-    if (is_even) scale_x = scale_y = std::min(scale_x, scale_y);
-    spot const middle = 0.5 * (e.low + e.high), half = {width / scale_x / 2, height / scale_y / 2};
-    return {corner, width, height, middle - half, middle + half};
-}
-
 }  // namespace
+
+canvas_path ring_at(spot center, double radius) {
+    canvas_path path;
+    for (int i = 0; i < 32; ++i) {
+        double const a = 2 * pi * i / 32;
+        path.line_to({center.x + radius * std::cos(a), center.y + radius * std::sin(a)});
+    }
+    path.close();
+    return path;
+}
 
 double draw_view(canvas& c, fit_picture const& picture, spot corner, double width, double height) {
     fit_view const& view = picture.view;
     plot_panel const panel = panel_for(extent_of(picture), view.is_even, corner, width, height);
-    // One step for both axes where they have one scale, so that the grid is square.
-    double step_x = round_above((panel.high.x - panel.low.x) / 11),
-           step_y = round_above((panel.high.y - panel.low.y) / 8);
-    if (view.is_even) step_x = step_y = std::max(step_x, step_y);
-    auto const axis = [](std::string const& label, double origin, double low, double high, double step) {
-        return label.ends_with("degrees") ? make_angle_axis(low, high) : make_axis(origin, low, high, step);
-    };
-    draw_axes(c, panel, axis(view.x_label, view.origin.x, panel.low.x, panel.high.x, step_x),
-              axis(view.y_label, view.origin.y, panel.low.y, panel.high.y, step_y), view.x_label,
-              view.y_label);
+    draw_grid(c, panel, view.is_even, view.origin, view.x_label, view.y_label);
     view_drawer(c, picture, panel).draw();
     return panel.scale_x();
 }

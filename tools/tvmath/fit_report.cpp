@@ -9,6 +9,8 @@
 inline namespace tvmath {
 namespace {
 
+constexpr std::size_t most_contacts = 12;  // JSON has all
+
 std::string count_text(double x) {
     return std::to_string(static_cast<long long>(x));
 }
@@ -23,7 +25,8 @@ std::string place_text(extreme_point const& e) {
 void add_form(std::vector<report_row>& rows, fit_result const& result) {
     rows.push_back({form_label(result), number_text(result.form_error), {}});
     std::string const symbol = result.has_standard_names ? result.kind->form.symbol : "";
-    if (result.has_standard_names) {
+    // The standard defines the others about the least-squares feature alone.
+    if (result.has_standard_names && !result.is_zone()) {
         rows.push_back({"peak " + symbol + "p", number_text(result.highest.residual), {}});
         rows.push_back({"valley " + symbol + "v", number_text(-result.lowest.residual), {}});
         rows.push_back({"root mean square " + symbol + "q", number_text(result.rms), {}});
@@ -49,6 +52,16 @@ void add_nominal(std::vector<report_row>& rows, nominal_comparison const& nomina
         rows.push_back({"profile error to nominal", number_text(*nominal.profile_error), {}});
 }
 
+void add_contacts(std::vector<report_row>& rows, std::vector<contact_point> const& contacts) {
+    std::size_t const shown = std::min(contacts.size(), most_contacts);
+    for (std::size_t i = 0; i < shown; ++i) {
+        contact_point const& c = contacts[i];
+        rows.push_back({c.side + " contact", number_text(c.at.residual), place_text(c.at)});
+    }
+    if (shown < contacts.size())
+        rows.push_back({"more contacts", std::to_string(contacts.size() - shown), {}});
+}
+
 std::size_t whole_digits(report_row const& row) {
     return std::min(row.number.find('.'), row.number.size());
 }
@@ -57,7 +70,8 @@ std::size_t whole_digits(report_row const& row) {
 
 std::string form_label(fit_result const& result) {
     if (!result.has_standard_names) return "form error";
-    return std::string(result.kind->form.word) + ' ' + result.kind->form.symbol + 't';
+    std::string const label = std::string(result.kind->form.word) + ' ' + result.kind->form.symbol + 't';
+    return result.is_zone() ? label + " (" + result.kind->form.reference + ')' : label;
 }
 
 std::vector<report_row> rows_of(std::vector<figure> const& figures, bool radians,
@@ -87,6 +101,7 @@ void write_text(std::ostream& out, fit_result const& result) {
     if (result.degrees_of_freedom)
         rows.push_back({"degrees of freedom", std::to_string(*result.degrees_of_freedom), {}});
     add_form(rows, result);
+    add_contacts(rows, result.contacts);
     if (result.nominal) add_nominal(rows, *result.nominal);
 
     std::size_t widest_label = 0, widest_whole = 0, widest_number = 0;

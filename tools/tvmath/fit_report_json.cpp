@@ -68,7 +68,9 @@ json_value standard_names(fit_result const& result) {
     json_value object;
     object["standard"] = result.kind->form.standard;
     object["name"] = result.kind->form.word;
+    object["reference"] = result.kind->form.reference;
     object[symbol + 't'] = result.form_error;
+    if (result.is_zone()) return object;
     object[symbol + 'p'] = result.highest.residual;
     object[symbol + 'v'] = -result.lowest.residual;
     object[symbol + 'q'] = result.rms;
@@ -89,6 +91,14 @@ json_value document_of(fit_result const& result) {
     document["form_error"] = result.form_error;
     document["highest"] = object_of(result.highest);
     document["lowest"] = object_of(result.lowest);
+    if (result.is_zone()) {
+        document["contacts"] = json_value::array();
+        for (contact_point const& c : result.contacts) {
+            json_value contact = {{"side", c.side}};
+            contact.update(object_of(c.at));
+            document["contacts"].push_back(contact);
+        }
+    }
     document["iso"] = standard_names(result);
     document["profile_error"] = result.profile_error;
     document["standard_deviation"] = or_null(result.standard_deviation);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "fit_shared.h"
 #include "tvmath/geometry_queries.h"
@@ -85,7 +86,47 @@ extreme_point extreme_at(std::vector<point> const& points, std::vector<double> c
     return {index, points[index], residuals[index]};
 }
 
+constexpr double few_roundings = 8 * std::numeric_limits<double>::epsilon();
+
+// Of distances from the feature: the centre of a short arc is far from its points.
+double rounding_of(std::vector<figure> const& figures) {
+    double largest = 0;
+    for (figure const& f : figures) {
+        if (f.kind != figure_kind::length && f.kind != figure_kind::location) continue;
+        for (double const v : f.values) largest = std::max(largest, std::fabs(v));
+    }
+    return few_roundings * largest;
+}
+
+// The points of each boundary, to rounding. Where the boundaries are one, each point touches both.
+std::vector<contact_point> contacts_of(fitted_feature const& fitted, std::vector<point> const& points,
+                                       std::vector<figure> const& figures, double highest, double lowest) {
+    std::vector<contact_point> contacts;
+    double const rounding = std::max(rounding_of(points), rounding_of(figures));
+    auto const add = [&](std::string const& side, double boundary) {
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            double const r = fitted.residuals[i];
+            if (std::fabs(r - boundary) <= rounding) contacts.push_back({side, {i, points[i], r}});
+        }
+    };
+    boundary_names const& names = fitted.boundaries;
+    if (names.high && names.low && highest - lowest <= rounding) {
+        add("both", (highest + lowest) / 2);
+    } else {
+        if (names.high) add(names.high, highest);
+        if (names.low) add(names.low, lowest);
+    }
+    return contacts;
+}
+
 }  // namespace
+
+double rounding_of(std::vector<point> const& points) {
+    double largest = 0;
+    for (point const& p : points)
+        largest = std::max({largest, std::fabs(p.x()), std::fabs(p.y()), p.is_3d() ? std::fabs(p.z()) : 0.0});
+    return few_roundings * largest;
+}
 
 bool fit_result::forgets_z() const {
     if (dimension != 3 || kind->in_space) return false;
@@ -118,6 +159,12 @@ bool fit_feature(fit_kind const& kind, std::vector<point> const& points,
     std::vector<double>& residuals = fitted.residuals;
     auto const [least, most] = std::minmax_element(residuals.begin(), residuals.end());
     fresh.figures = figures_of(*fitted.record);
+    // Of a ring both circles have a name on drawings.
+    if (kind.fit == fit_zone_circle) {
+        double const radius = static_cast<Circle_Description const&>(*fitted.record).geometry.radius();
+        fresh.figures.push_back({"outer radius", figure_kind::length, {radius + *most}});
+        fresh.figures.push_back({"inner radius", figure_kind::length, {radius + *least}});
+    }
     if (!is_finite(fresh.figures) ||
         !std::all_of(residuals.begin(), residuals.end(), [](double r) { return std::isfinite(r); })) {
         reason = std::string("no ") + kind.name +
@@ -131,7 +178,7 @@ bool fit_feature(fit_kind const& kind, std::vector<point> const& points,
     fresh.count = points.size();
     fresh.feature = fitted.record;
     fresh.parameters = fitted.parameters;
-    fresh.form_error = get_form(residuals);
+    fresh.form_error = fitted.zone_width.value_or(get_form(residuals));
     fresh.profile_error = get_profile_error(residuals);
     fresh.rms = rms_of(residuals, fresh.profile_error / 2);
     if (fitted.unknowns >= 0) {
@@ -144,8 +191,9 @@ bool fit_feature(fit_kind const& kind, std::vector<point> const& points,
     }
     fresh.highest = extreme_at(points, residuals, most);
     fresh.lowest = extreme_at(points, residuals, least);
-    fresh.has_standard_names =
-        kind.form.symbol && fitted.method == "least squares" && !known.has(~(option_nominal));
+    fresh.contacts = contacts_of(fitted, points, fresh.figures, *most, *least);
+    fresh.has_standard_names = kind.form.symbol && (fitted.method == "least squares" || fresh.is_zone()) &&
+                               !known.has(~(option_nominal));
     fresh.tolerance = known.tolerance;
     fresh.nominal = compare(points, kind, known, fresh.figures);
     fresh.residuals = std::move(residuals);

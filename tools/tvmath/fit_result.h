@@ -20,6 +20,12 @@ struct extreme_point {
     double residual = 0;
 };
 
+/// A point that touches a boundary of the zone.
+struct contact_point {
+    std::string side;  ///< the name of the boundary
+    extreme_point at;
+};
+
 /// How the points stand to the nominal feature.
 struct nominal_comparison {
     std::string words;
@@ -42,7 +48,8 @@ struct fit_result {
     double form_error = 0, profile_error = 0, rms = 0;
     std::optional<double> standard_deviation;
     extreme_point highest, lowest;
-    bool has_standard_names = false;  ///< The reference feature is the one that the standard means.
+    std::vector<contact_point> contacts;  ///< of a zone, by boundary and index; else empty
+    bool has_standard_names = false;      ///< The reference feature is the one that the standard means.
     std::optional<double> tolerance;
     std::optional<nominal_comparison> nominal;
 
@@ -53,10 +60,14 @@ struct fit_result {
     std::vector<std::size_t> part_sizes;
     std::vector<point> targets;  ///< of a transform
 
+    bool is_zone() const { return !contacts.empty(); }
     bool is_in_tolerance() const { return !tolerance || form_error <= *tolerance; }
     /// Features of the XY plane, though the points are in space.
     bool forgets_z() const;
 };
+
+/// Residuals of that size are what rounding of the coordinates leaves.
+double rounding_of(std::vector<point> const& points);
 
 /// Fits the kind to the points, which `sizes` parts by file. Returns true and sets all of `result` but its
 /// file; returns false, `result` untouched, and says in `reason` why. `is_usage` then tells whether the

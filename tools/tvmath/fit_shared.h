@@ -16,6 +16,16 @@ inline idioms::array<point> list_of(std::vector<point> const& points) {
 /// `p` with as many coordinates as the points have; a missing z is theirs.
 point in_dimension(point p, std::vector<point> const& points);
 
+/// Keeps a shape as the record of a fit. False for one without extent, which is none for anybody who asked.
+template <class kind, class shape>
+bool keep(shape const& geometry, fitted_feature& fitted) {
+    if (geometry.is_trivial() || !(geometry.size(1) > 0)) return false;
+    auto record = std::make_shared<kind>();
+    record->geometry = geometry;
+    fitted.record = std::move(record);
+    return true;
+}
+
 /// Distances from the one outline of a ring, positive outside.
 void measure_ring(ORing_Description const& ring, std::vector<point> const& points,
                   std::vector<double>& residuals);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "drawing.h"
 #include "tvmath/geometry_queries.h"
@@ -11,6 +12,7 @@ inline namespace tvmath {
 namespace {
 
 constexpr int circle_vertices = 720;
+constexpr std::size_t most_joined = 12;
 
 spot direction_of(point const& p) {
     double const length = p.length2d();
@@ -108,18 +110,25 @@ fit_view composite_view(fit_result const& result, point const& origin) {
     return whole;
 }
 
-}  // namespace
-
-void view_extent::include(spot p) {
-    if (is_empty()) {
-        low = high = p;
-        return;
+// Joins the contacts of each boundary, in their order about their middle: the polygon that holds the centre,
+// or crosses the other one, shows that nothing better is near.
+void join_contacts(fit_result const& result, fit_view& view) {
+    std::map<std::string, std::vector<spot>> sides;
+    for (contact_point const& c : result.contacts) sides[c.side].push_back(view.points[c.at.index].foot);
+    bool const is_plane = result.kind->record == Plane_Description::type_value;
+    if (view.style == view_style::map ? !is_plane : sides.size() > 1) return;
+    for (auto& [side, places] : sides) {
+        if (places.size() < 2 || places.size() > most_joined) continue;
+        spot middle;
+        for (spot const p : places) middle = middle + (1.0 / static_cast<double>(places.size())) * p;
+        std::sort(places.begin(), places.end(), [middle](spot a, spot b) {
+            return std::atan2(a.y - middle.y, a.x - middle.x) < std::atan2(b.y - middle.y, b.x - middle.x);
+        });
+        view.guides.push_back(make_outline(places, places.size() > 2));
     }
-    low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-    high = {std::max(high.x, p.x), std::max(high.y, p.y)};
 }
 
-fit_view view_of(fit_result const& result) {
+fit_view plain_view_of(fit_result const& result) {
     if (result.kind->in_space) return solid_view_of(result);
     point const origin = result.targets.empty() ? result.points.front() : result.targets.front();
     switch (result.kind->record) {
@@ -135,6 +144,23 @@ fit_view view_of(fit_result const& result) {
             return view;
         }
     }
+}
+
+}  // namespace
+
+void view_extent::include(spot p) {
+    if (is_empty()) {
+        low = high = p;
+        return;
+    }
+    low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+    high = {std::max(high.x, p.x), std::max(high.y, p.y)};
+}
+
+fit_view view_of(fit_result const& result) {
+    fit_view view = plain_view_of(result);
+    join_contacts(result, view);
+    return view;
 }
 
 }  // namespace tvmath

@@ -10,6 +10,7 @@
 #include "exit_status.h"
 #include "fit_command.h"
 #include "fit_kinds.h"
+#include "mesh_command.h"
 #include "record_parameters.h"
 #include "render_command.h"
 #include "tvmath/version.h"
@@ -26,6 +27,8 @@ char const* const examples =
     "                                              an arc that touches a line, with an exit status of 1\n"
     "                                              when its points are out of round\n"
     "  cat part*.xyz | tvmath fit cylinder -       one cylinder through the points of several files\n"
+    "  tvmath zone circle bore.csv --plot bore.svg roundness by the minimum zone, with its contacts\n"
+    "  tvmath mesh points.csv -o mesh.svg          the points joined to triangles\n"
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
     "                                              an ellipse, its parallel and their bounding rectangles\n";
 
@@ -49,12 +52,38 @@ void add_numbers(CLI::App& app, char const* name, std::vector<std::string>& text
     app.add_option(name, texts, what)->type_name(form)->expected(1)->take_all()->allow_extra_args(false);
 }
 
+void add_decimal(CLI::App& command, bool& decimal_comma) {
+    command
+        .add_option_function<std::string>(
+            "--decimal", [&decimal_comma](std::string const&) { decimal_comma = true; },
+            "The decimal mark of the numbers in the files, when it is a comma")
+        ->type_name(",")
+        ->check(CLI::IsMember({","}).description(""));
+}
+
+char const* const file_help = "Points as CSV or XYZ text, 2 or 3 columns; - is standard input";
+
+void add_input(CLI::App& command, fit_request& request) {
+    command.add_option("KIND", request.kind, "What to fit, as listed below")->required()->type_name("");
+    command.add_option("FILE", request.files, file_help)->required()->type_name("");
+}
+
+void add_output(CLI::App& command, fit_request& request) {
+    command
+        .add_option("--residuals", request.residuals,
+                    "Write a row for each point: index, coordinates, residual")
+        ->type_name("OUT.csv");
+    command.add_option("--plot", request.plot, "Draw the points, the feature and the residuals")
+        ->type_name("PICTURE.svg|png|pdf");
+    command.add_option("--tolerance", request.tolerance, "Exit with 1 when the form error is above")
+        ->type_name("T");
+    command.add_flag("--json", request.json, "Write JSON instead of text");
+    add_decimal(command, request.decimal_comma);
+}
+
 void add_fit(CLI::App& app, fit_request& request) {
     CLI::App* const fit = app.add_subcommand("fit", "Fit a feature to the points of each file");
-    fit->add_option("KIND", request.kind, "What to fit, as listed below")->required()->type_name("");
-    fit->add_option("FILE", request.files, "Points as CSV or XYZ text, 2 or 3 columns; - is standard input")
-        ->required()
-        ->type_name("");
+    add_input(*fit, request);
     add_numbers(*fit, "--center", request.center, "X Y [Z]", "The centre is known; a line passes it");
     add_numbers(*fit, "--through", request.through, "X Y [Z]", "Passes this point; may be repeated");
     add_numbers(*fit, "--tangent", request.tangent, "X1 Y1 X2 Y2",
@@ -66,6 +95,7 @@ void add_fit(CLI::App& app, fit_request& request) {
     add_numbers(*fit, "--nominal", request.nominal, "'KIND PARAMETERS'",
                 "The nominal feature, in the words of tvmath render; a composite takes one for each FILE");
     fit->add_flag("--quick", request.quick, "The closed form: algebraic where the kind has such a fit");
+    fit->add_flag("--zone", request.zone, "The minimum zone instead of least squares, with its contacts");
     fit->add_flag("--diameter", request.diameter, "The circle on two points as its diameter");
     fit->add_option("--method", request.method,
                     "Of a path: interpolating (the first choice), least-squares or minimum-curvature")
@@ -74,20 +104,31 @@ void add_fit(CLI::App& app, fit_request& request) {
     fit->add_option("--onto", request.onto,
                     "The points, in pairs with those of FILE, that a transform leads to")
         ->type_name("FILE");
-    fit->add_option("--residuals", request.residuals,
-                    "Write a row for each point: index, coordinates, residual")
-        ->type_name("OUT.csv");
-    fit->add_option("--plot", request.plot, "Draw the points, the feature and the residuals")
-        ->type_name("PICTURE.svg|png|pdf");
-    fit->add_option("--tolerance", request.tolerance, "Exit with 1 when the form error is above")
-        ->type_name("T");
-    fit->add_flag("--json", request.json, "Write JSON instead of text");
-    fit->add_option_function<std::string>(
-           "--decimal", [&request](std::string const&) { request.decimal_comma = true; },
-           "The decimal mark of the numbers in the files, when it is a comma")
-        ->type_name(",")
-        ->check(CLI::IsMember({","}).description(""));
+    add_output(*fit, request);
     fit->footer(fit_kinds_help());
+}
+
+CLI::App* add_zone(CLI::App& app, fit_request& request) {
+    CLI::App* const zone = app.add_subcommand("zone", "Find the narrowest zone that holds all points");
+    add_input(*zone, request);
+    add_numbers(*zone, "--parallel", request.parallel, "DX DY DZ", "The normal of a plane is known");
+    zone->add_flag("--flip", request.flip, "The seating plane lies on the points, not they on it");
+    add_numbers(*zone, "--nominal", request.nominal, "'KIND PARAMETERS'",
+                "The nominal feature, in the words of tvmath render");
+    add_output(*zone, request);
+    zone->footer(zone_kinds_help());
+    return zone;
+}
+
+CLI::App* add_mesh(CLI::App& app, mesh_request& request) {
+    CLI::App* const mesh = app.add_subcommand("mesh", "Join points in XY to triangles");
+    mesh->add_option("FILE", request.file, file_help)->required()->type_name("");
+    mesh->add_option("-o", request.output,
+                     "A picture (.svg, .png, .pdf) or a table of triangles (.csv, or -)")
+        ->type_name("FILE");
+    mesh->add_flag("--json", request.json, "Write the counts and the area as JSON instead of text");
+    add_decimal(*mesh, request.decimal_comma);
+    return mesh;
 }
 
 CLI::App* add_render(CLI::App& app, render_request& request) {
@@ -149,18 +190,23 @@ std::vector<std::string> words_of(int argc, char** argv) {
 }
 
 exit_status run(int argc, char** argv) {
-    CLI::App app("Fits geometric features to measured points, and draws shapes.", "tvmath");
+    CLI::App app("Fits geometric features and zones to measured points, and draws shapes.", "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
     app.formatter(std::make_shared<examples_first>());  // handed down to the commands
 
     fit_request to_fit;
     render_request to_render;
+    fit_request to_zone;
+    mesh_request to_mesh;
     add_fit(app, to_fit);
+    CLI::App const* const zone = add_zone(app, to_zone);
+    CLI::App const* const mesh = add_mesh(app, to_mesh);
     CLI::App const* const render = add_render(app, to_render);
     try {
         app.parse(words_of(argc, argv));
-        if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1) {
+        if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1 ||
+            std::count(to_zone.files.begin(), to_zone.files.end(), "-") > 1) {
             throw CLI::ValidationError("FILE", "standard input (-) can be read only once");
         }
     } catch (CLI::ParseError const& error) {
@@ -173,6 +219,8 @@ exit_status run(int argc, char** argv) {
         return exit_status::wrong_usage;
     }
     if (render->parsed()) return run_render(to_render, std::cout, std::cerr);
+    if (zone->parsed()) return run_zone(to_zone, std::cout, std::cerr);
+    if (mesh->parsed()) return run_mesh(to_mesh, std::cout, std::cerr);
     return run_fit(to_fit, std::cout, std::cerr);
 }
 

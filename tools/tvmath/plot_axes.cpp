@@ -38,4 +38,29 @@ void draw_axes(canvas& c, plot_panel const& panel, plot_axis const& x, plot_axis
            {.size = 8.5, .ink = text_ink, .across = 0.5, .vertical = true});
 }
 
+plot_panel panel_for(view_extent const& e, bool is_even, spot corner, double width, double height) {
+    double const margin = 26, room_x = width - 2 * margin, room_y = height - 2 * margin;
+    double const size = std::max(e.width(), e.height());
+    // All in one place: there is no scale but the unit.
+    double const least = size > 0 ? 1e-9 * size : 1;
+    double const w = std::max(e.width(), least), h = std::max(e.height(), least);
+    double scale_x = room_x / w, scale_y = room_y / h;
+    if (is_even) scale_x = scale_y = std::min(scale_x, scale_y);
+    spot const middle = 0.5 * (e.low + e.high), half = {width / scale_x / 2, height / scale_y / 2};
+    return {corner, width, height, middle - half, middle + half};
+}
+
+void draw_grid(canvas& c, plot_panel const& panel, bool is_even, spot origin, std::string const& x_label,
+               std::string const& y_label) {
+    // One step for both axes where they have one scale, so that the grid is square.
+    double step_x = round_above((panel.high.x - panel.low.x) / 11),
+           step_y = round_above((panel.high.y - panel.low.y) / 8);
+    if (is_even) step_x = step_y = std::max(step_x, step_y);
+    auto const axis = [](std::string const& label, double from, double low, double high, double step) {
+        return label.ends_with("degrees") ? make_angle_axis(low, high) : make_axis(from, low, high, step);
+    };
+    draw_axes(c, panel, axis(x_label, origin.x, panel.low.x, panel.high.x, step_x),
+              axis(y_label, origin.y, panel.low.y, panel.high.y, step_y), x_label, y_label);
+}
+
 }  // namespace tvmath
