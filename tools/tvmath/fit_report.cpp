@@ -80,15 +80,7 @@ std::vector<report_row> rows_of(std::vector<figure> const& figures, bool radians
     return rows;
 }
 
-void write_text(std::ostream& out, fit_result const& result) {
-    std::vector<report_row> rows = rows_of(result.figures, true, number_text);
-    rows.push_back({"points", std::to_string(result.count), {}});
-    if (result.parameters > 0) rows.push_back({"parameters", std::to_string(result.parameters), {}});
-    if (result.degrees_of_freedom)
-        rows.push_back({"degrees of freedom", std::to_string(*result.degrees_of_freedom), {}});
-    add_form(rows, result);
-    if (result.nominal) add_nominal(rows, *result.nominal);
-
+void write_rows(std::ostream& out, std::vector<report_row> const& rows) {
     std::size_t widest_label = 0, widest_whole = 0, widest_number = 0;
     for (report_row const& r : rows) {
         widest_label = std::max(widest_label, r.label.size());
@@ -96,10 +88,6 @@ void write_text(std::ostream& out, fit_result const& result) {
     }
     for (report_row const& r : rows)
         widest_number = std::max(widest_number, widest_whole - whole_digits(r) + r.number.size());
-    out << result.kind->name << "  " << result.file << '\n' << "  " << result.method;
-    if (result.forgets_z()) out << ", fitted in XY";
-    out << '\n';
-    for (std::string const& words : result.conditions) out << "  " << words << '\n';
     for (report_row const& r : rows) {
         std::size_t const gap = widest_label - r.label.size() + 2 + widest_whole - whole_digits(r);
         out << "  " << r.label << std::string(gap, ' ') << r.number;
@@ -109,6 +97,22 @@ void write_text(std::ostream& out, fit_result const& result) {
         }
         out << '\n';
     }
+}
+
+void write_text(std::ostream& out, fit_result const& result) {
+    std::vector<report_row> rows = rows_of(result.figures, true, number_text);
+    rows.push_back({"points", std::to_string(result.count), {}});
+    if (result.parameters > 0) rows.push_back({"parameters", std::to_string(result.parameters), {}});
+    if (result.degrees_of_freedom)
+        rows.push_back({"degrees of freedom", std::to_string(*result.degrees_of_freedom), {}});
+    add_form(rows, result);
+    if (result.nominal) add_nominal(rows, *result.nominal);
+
+    out << result.kind->name << "  " << result.file << '\n' << "  " << result.method;
+    if (result.forgets_z()) out << ", fitted in XY";
+    out << '\n';
+    for (std::string const& words : result.conditions) out << "  " << words << '\n';
+    write_rows(out, rows);
 }
 
 std::string residual_table(fit_result const& result) {

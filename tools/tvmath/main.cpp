@@ -7,11 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "convert_command.h"
 #include "exit_status.h"
 #include "fit_command.h"
 #include "fit_kinds.h"
 #include "record_parameters.h"
 #include "render_command.h"
+#include "show_command.h"
 #include "tvmath/version.h"
 
 inline namespace tvmath {
@@ -79,6 +81,10 @@ void add_fit(CLI::App& app, fit_request& request) {
         ->type_name("OUT.csv");
     fit->add_option("--plot", request.plot, "Draw the points, the feature and the residuals")
         ->type_name("PICTURE.svg|png|pdf");
+    fit->add_option("--record", request.record, "Print the fitted record in this form instead of the report")
+        ->type_name("text|xml");
+    fit->add_option("--record-file", request.record_file, "Write the fitted record into this file")
+        ->type_name("OUT.txt|xml");
     fit->add_option("--tolerance", request.tolerance, "Exit with 1 when the form error is above")
         ->type_name("T");
     fit->add_flag("--json", request.json, "Write JSON instead of text");
@@ -109,6 +115,45 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
         ->type_name("FILE");
     render->footer(render_kinds_help());
     return render;
+}
+
+CLI::App* add_convert(CLI::App& app, convert_request& request) {
+    CLI::App* const convert =
+        app.add_subcommand("convert", "Write points or a record in another form: csv, text, hex or xml");
+    convert->add_option("IN", request.input, "What is read; - is standard input")->required()->type_name("");
+    convert->add_option("OUT", request.output, "What is written; - is standard output")
+        ->required()
+        ->type_name("");
+    convert->add_option("--from", request.from, "The form of IN, where its suffix does not say it")
+        ->type_name("csv|text|hex|xml");
+    convert->add_option("--to", request.to, "The form of OUT, where its suffix does not say it")
+        ->type_name("csv|text|hex|xml");
+    convert->add_option("--kind", request.kind, "What a text holds that does not begin with its kind")
+        ->type_name("KIND");
+    convert
+        ->add_option("--method", request.method,
+                     "Of hex: 0 keeps every bit (the first choice), 1, 2 and 3 take 2, 3 and 6 bytes a point")
+        ->type_name("0..3");
+    convert->add_option("--precision", request.precision, "Digits of points in text and xml; 15 else")
+        ->type_name("N");
+    convert->add_flag("--bare", request.bare, "A text without the word for its kind");
+    return convert;
+}
+
+CLI::App* add_show(CLI::App& app, show_request& request) {
+    CLI::App* const show = app.add_subcommand("show", "Report and draw the points or the record in a file");
+    show->add_option("FILE", request.file, "As convert writes them; - is standard input")
+        ->required()
+        ->type_name("");
+    show->add_option("--from", request.from, "The form of FILE, where its suffix does not say it")
+        ->type_name("csv|text|hex|xml");
+    show->add_option(
+            "--kind", request.kind,
+            "What a text holds that does not begin with its kind; open-data or closed-data joins points")
+        ->type_name("KIND");
+    show->add_option("-o", request.output, "A picture (.svg, .png, .pdf) or a table of points (.csv, or -)")
+        ->type_name("PICTURE");
+    return show;
 }
 
 bool is_number(std::string const& word) {
@@ -156,8 +201,12 @@ exit_status run(int argc, char** argv) {
 
     fit_request to_fit;
     render_request to_render;
+    convert_request to_convert;
+    show_request to_show;
     add_fit(app, to_fit);
     CLI::App const* const render = add_render(app, to_render);
+    CLI::App const* const convert = add_convert(app, to_convert);
+    CLI::App const* const show = add_show(app, to_show);
     try {
         app.parse(words_of(argc, argv));
         if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1) {
@@ -173,6 +222,8 @@ exit_status run(int argc, char** argv) {
         return exit_status::wrong_usage;
     }
     if (render->parsed()) return run_render(to_render, std::cout, std::cerr);
+    if (convert->parsed()) return run_convert(to_convert, std::cout, std::cerr);
+    if (show->parsed()) return run_show(to_show, std::cout, std::cerr);
     return run_fit(to_fit, std::cout, std::cerr);
 }
 
