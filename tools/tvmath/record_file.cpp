@@ -98,26 +98,42 @@ bool read_hexadecimal(std::string& bytes, std::vector<point>& points, std::strin
     return reason.empty();
 }
 
+// Three control points for each piece, and the start.
+bool is_bezier(curve const& path) {
+    auto const n = path.capacity();
+    return n >= 4 && n % 3 == 1 &&
+           std::none_of(path.begin(), path.end(), [](point const& p) { return p.is_trivial(); });
+}
+
+// Measuring a curve takes time with the square of its order for each point, so that a small file could take
+// hours.
+bool is_reasonable(nurb const& n) {
+    constexpr double most_steps = 1 << 25;
+    if (n.order() < 2 || n.order() > 256 || n.order() > n.control_points()) return false;
+    if (double(n.order()) * n.order() * n.control_points() > most_steps) return false;
+    for (unsigned int i = 0; i + 1 < n.knots(); ++i) {
+        if (n.get_knot(i) > n.get_knot(i + 1)) return false;
+    }
+    for (unsigned int i = 0; i < n.control_points(); ++i) {
+        if (n.get_control_point(i).w == 0) return false;
+    }
+    return true;
+}
+
 // What would make answers without meaning of a record whose numbers are in order one by one.
 bool is_sound(Geometry_Description const& record, std::string& reason) {
-    curve path;
-    if (auto const* const open = dynamic_cast<OpenSpline_Description const*>(&record)) path = open->path;
-    if (auto const* const closed = dynamic_cast<ClosedSpline_Description const*>(&record))
-        path = closed->path;
-    bool const has_gap = std::any_of(path.begin(), path.end(), [](point const& p) { return p.is_trivial(); });
-    if (has_gap || (path.capacity() > 0 && (path.capacity() < 4 || path.capacity() % 3 != 1))) {
-        reason = "a spline has 3 n + 1 control points";
+    auto const* const open = dynamic_cast<OpenSpline_Description const*>(&record);
+    auto const* const closed = dynamic_cast<ClosedSpline_Description const*>(&record);
+    auto const* const curved = dynamic_cast<Nurb_Description const*>(&record);
+    if ((open && !is_bezier(open->path)) || (closed && !is_bezier(closed->path))) {
+        reason = "a spline has 3 n + 1 control points, 4 at least";
         return false;
     }
-    if (auto const* const curved = dynamic_cast<Nurb_Description const*>(&record)) {
-        nurb const& n = curved->geometry;
-        bool good = n.order() >= 2 && n.order() <= 256 && n.order() <= n.control_points();
-        for (unsigned int i = 0; good && i + 1 < n.knots(); ++i) good = n.get_knot(i) <= n.get_knot(i + 1);
-        for (unsigned int i = 0; good && i < n.control_points(); ++i) good = n.get_control_point(i).w != 0;
-        if (!good) {
-            reason = "a nurb has an order of 2 to 256, as many points at least, ascending knots, and weights";
-            return false;
-        }
+    if (curved && !is_reasonable(curved->geometry)) {
+        reason =
+            "a nurb has an order of 2 to 256, as many points at least, but not too many for its order, "
+            "ascending knots, and weights other than 0";
+        return false;
     }
     for (figure const& f : figures_of(record)) {
         if (std::all_of(f.values.begin(), f.values.end(), [](double x) { return std::isfinite(x); }))

@@ -1,6 +1,8 @@
 #include "show_command.h"
 
+#include <algorithm>
 #include <ostream>
+#include <vector>
 
 #include "drawing_output.h"
 #include "feature_figures.h"
@@ -11,6 +13,35 @@
 #include "record_names.h"
 
 inline namespace tvmath {
+namespace {
+
+// In a picture of a large cloud most marks fall on each other. One for each place that can be told apart is
+// left.
+void thin_out(Geometry_Description& record) {
+    auto* const cloud = dynamic_cast<PointCloud_Description*>(&record);
+    constexpr std::size_t most_marks = 20000, cells = 256;
+    if (!cloud || cloud->points.size() <= most_marks) return;
+    auto const by_x = [](point const& a, point const& b) { return a.x() < b.x(); };
+    auto const by_y = [](point const& a, point const& b) { return a.y() < b.y(); };
+    std::vector<point>& all = cloud->points;
+    auto const [left, right] = std::minmax_element(all.begin(), all.end(), by_x);
+    auto const [low, high] = std::minmax_element(all.begin(), all.end(), by_y);
+    double const x = left->x(), y = low->y(), size = std::max(right->x() - x, high->y() - y);
+    // Halves, because the difference of two doubles may be infinite; not a number for an extent of 0.
+    auto const cell = [size](double at, double from) {
+        double const share = (at / 2 - from / 2) / (size / 2);
+        return share > 0 ? std::min(static_cast<std::size_t>(share * cells), cells - 1) : 0;
+    };
+    std::vector<bool> taken(cells * cells);
+    std::erase_if(all, [&](point const& p) {
+        std::size_t const i = cell(p.x(), x) * cells + cell(p.y(), y);
+        bool const before = taken[i];
+        taken[i] = true;
+        return before;
+    });
+}
+
+}  // namespace
 
 exit_status run_show(show_request const& request, std::ostream& out, std::ostream& err) {
     file_form form = file_form::csv;
@@ -35,6 +66,7 @@ exit_status run_show(show_request const& request, std::ostream& out, std::ostrea
         write_rows(out, rows_of(figures_of(*record), true, number_text));
     }
     if (request.output.empty()) return exit_status::done;
+    if (request.output != "-" && !request.output.ends_with(".csv")) thin_out(*record);
     drawing d;
     d.title = name + ' ' + shown_name(request.file);
     if (!draw_record(*record, {}, d)) {
