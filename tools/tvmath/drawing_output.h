@@ -13,8 +13,8 @@ inline namespace tvmath {
 /// not, says so in one line to `err`.
 bool is_drawing_name(std::string const& name, std::ostream& err);
 
-/// Writes the drawings, several of them in rows of `columns`, as a picture, or one of them as a table. False
-/// results are said in one line to `err`.
+/// Writes the drawings, several of them in rows of `columns`, as a picture, or the first one as a table. A
+/// failure is said in one line to `err`.
 exit_status write_drawings(std::vector<drawing> const& drawings, int columns, std::string const& name,
                            std::ostream& out, std::ostream& err);
 
