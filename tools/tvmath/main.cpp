@@ -28,6 +28,11 @@ char const* const examples =
     "                                              an arc that touches a line, with an exit status of 1\n"
     "                                              when its points are out of round\n"
     "  cat part*.xyz | tvmath fit cylinder -       one cylinder through the points of several files\n"
+    "  tvmath fit circle bore.csv --record-file bore.xml\n"
+    "                                              the circle for another program\n"
+    "  tvmath show bore.xml -o circle.svg          and back: its parameters, and a picture of it\n"
+    "  tvmath convert profile.csv profile.hex --method 3\n"
+    "                                              measured points in a quarter of the bytes\n"
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
     "                                              an ellipse, its parallel and their bounding rectangles\n";
 
@@ -194,7 +199,7 @@ std::vector<std::string> words_of(int argc, char** argv) {
 }
 
 exit_status run(int argc, char** argv) {
-    CLI::App app("Fits geometric features to measured points, and draws shapes.", "tvmath");
+    CLI::App app("Fits geometric features to measured points, draws shapes, and converts both.", "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
     app.formatter(std::make_shared<examples_first>());  // handed down to the commands

@@ -206,6 +206,10 @@ bool record_text(Geometry_Description const& record, int precision, bool bare, s
         reason = with_article(name) + (form.empty() ? " has no text form" : " without geometry has no text");
         return false;
     }
+    if (form.find('#') != std::string::npos) {
+        reason = "numbers of this " + name + " are not finite";
+        return false;
+    }
     text = (bare ? "" : name + ' ') + form + '\n';
     return true;
 }

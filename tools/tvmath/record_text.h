@@ -19,8 +19,8 @@ bool read_record_text(std::string text, unsigned long long type,
 
 /// The text form of a record, on one line. `precision` is the number of digits of a list of points; records
 /// have 8. Flat shapes are raised into space, since the readers take no others. `bare` leaves out the word
-/// for the kind, which lists of points never have. False, with the reason, for a kind that has no text form
-/// and for a null feature.
+/// for the kind, which lists of points never have. False, with the reason, for a kind that has no text form,
+/// for a null feature and for one with numbers that are not finite, which could not be read again.
 bool record_text(Geometry_Description const& record, int precision, bool bare, std::string& text,
                  std::string& reason);
 

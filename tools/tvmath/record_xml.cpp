@@ -31,6 +31,8 @@ public:
     std::vector<point> points;
     std::string fault;
 
+    using SAXParseHandler::EndElement;
+
     bool is_list() const { return root == list_name; }
 
     void StartElement(kvxml::ISAXReader&, wide_string const& name,
