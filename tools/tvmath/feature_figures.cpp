@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tvmath/quick_fit.h"
 #include "tvmath/scalar.h"
 
 inline namespace tvmath {
@@ -119,8 +120,39 @@ public:
     }
     void list(Transform_Description const& r) { placement(r.geometry, true); }
     void list(Composite_Description const& r) { placement(r.geometry, false); }
+    void list(Angle_Description const& r) {
+        location("vertex", r.arc.basis(0));
+        add("radius", figure_kind::length, r.arc.size(1));
+        double const direction = r.arc.basis(1).angle2d() + r.start_angle;
+        add("start angle", figure_kind::angle, std::remainder(direction, 2 * pi));
+        add("included angle", figure_kind::angle, r.included_angle);
+    }
+    void list(Number_Description const& r) { add("value", figure_kind::number, r.value); }
+    void list(Rotation_Description const& r) { add("angle", figure_kind::angle, r.value); }
+    void list(OpenData_Description const& r) { data(r.points); }
+    void list(ClosedData_Description const& r) { data(r.points); }
+    void list(PointCloud_Description const& r) { data(r.points); }
 
 private:
+    static void widen(double& low, double& high, double x) {
+        low = std::min(low, x);
+        high = std::max(high, x);
+    }
+
+    void data(std::vector<point> const& points) {
+        add("points", figure_kind::count, static_cast<double>(points.size()));
+        if (points.empty()) return;
+        point low = points.front(), high = low;
+        for (point const& p : points) {
+            widen(low.x(), high.x(), p.x());
+            widen(low.y(), high.y(), p.y());
+            if (low.is_3d()) widen(low.z(), high.z(), p.z());
+        }
+        location("centroid", point_fit(points));
+        location("lowest", low);
+        location("highest", high);
+    }
+
     void add(char const* label, figure_kind kind, double value) { figures.push_back({label, kind, {value}}); }
 
     void add_axis_angle(char const* label, point const& direction) {
@@ -206,7 +238,9 @@ std::vector<figure> figures_of(Geometry_Description const& record) {
                 Ellipse_Description, Rectangle_Description, Slot_Description, Gap_Description,
                 ORing_Description, Plane_Description, Sphere_Description, Cylinder_Description,
                 Cone_Description, OpenSpline_Description, ClosedSpline_Description, Nurb_Description,
-                Transform_Description, Composite_Description>(record, figures);
+                Transform_Description, Composite_Description, Angle_Description, Number_Description,
+                Rotation_Description, OpenData_Description, ClosedData_Description, PointCloud_Description>(
+        record, figures);
     return figures.figures;
 }
 

@@ -5,6 +5,7 @@
 
 #include "file_output.h"
 #include "fit_plot.h"
+#include "fit_record.h"
 #include "fit_report.h"
 #include "fit_result.h"
 #include "number_text.h"
@@ -36,6 +37,7 @@ exit_status check(fit_request const& request, fit_kind const* kind, char const* 
         reason = "--plot and --residuals go with one FILE at a time";
         return exit_status::wrong_usage;
     }
+    if (!check_record_options(request, single, reason)) return exit_status::wrong_usage;
     if (!request.plot.empty() && !is_picture_suffix(suffix_of(request.plot))) {
         reason = is_picture_suffix(".svg") ? "--plot: the suffix must be .svg, .png or .pdf"
                                            : "--plot: this build makes no pictures";
@@ -113,7 +115,7 @@ private:
                  << " is above " << number_text(*result.tolerance) << '\n';
             note(exit_status::out_of_tolerance);
         }
-        if (!request_.json) {
+        if (!request_.json && !is_record_printed(request_)) {
             if (!results_.empty()) out_ << '\n';
             write_text(out_, result);
         }
@@ -125,6 +127,7 @@ private:
     }
 
     void write_files(fit_result const& result) {
+        note(write_fitted_record(request_, *result.feature, out_, err_));
         if (!request_.residuals.empty()) note(write_file(request_.residuals, residual_table(result), err_));
         if (request_.plot.empty()) return;
         std::string const bytes = fit_plot(result, suffix_of(request_.plot));

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "record_names.h"
+
 inline namespace tvmath {
 namespace {
 
@@ -126,8 +128,7 @@ std::string row_of_help(std::string const& name, fit_kind const& kind) {
 }  // namespace
 
 std::string fit_kind::named() const {
-    std::string const word = name;
-    return (std::string("aeio").find(word.front()) == std::string::npos ? "a " : "an ") + word;
+    return with_article(name);
 }
 
 std::vector<fit_kind> const& fit_kinds() {

@@ -18,10 +18,12 @@ struct fit_request {
     std::string kind;
     std::vector<std::string> files;  ///< "-" is standard input
     std::vector<std::string> center, through, tangent, parallel, perpendicular, nominal;
-    std::string method;     ///< of the paths; empty for the first one
-    std::string onto;       ///< file of the points that a transform leads to
-    std::string residuals;  ///< file to be written
-    std::string plot;       ///< file to be written
+    std::string method;       ///< of the paths; empty for the first one
+    std::string onto;         ///< file of the points that a transform leads to
+    std::string residuals;    ///< file to be written
+    std::string plot;         ///< file to be written
+    std::string record;       ///< form of the fitted record, text or xml; empty for none
+    std::string record_file;  ///< file to be written; without one the record is printed
     std::string tolerance;
     bool quick = false, diameter = false, sort = false, zone = false, flip = false;
     bool json = false, decimal_comma = false;

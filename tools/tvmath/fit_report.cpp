@@ -94,6 +94,25 @@ std::vector<report_row> rows_of(std::vector<figure> const& figures, bool radians
     return rows;
 }
 
+void write_rows(std::ostream& out, std::vector<report_row> const& rows) {
+    std::size_t widest_label = 0, widest_whole = 0, widest_number = 0;
+    for (report_row const& r : rows) {
+        widest_label = std::max(widest_label, r.label.size());
+        widest_whole = std::max(widest_whole, whole_digits(r));
+    }
+    for (report_row const& r : rows)
+        widest_number = std::max(widest_number, widest_whole - whole_digits(r) + r.number.size());
+    for (report_row const& r : rows) {
+        std::size_t const gap = widest_label - r.label.size() + 2 + widest_whole - whole_digits(r);
+        out << "  " << r.label << std::string(gap, ' ') << r.number;
+        if (!r.note.empty()) {
+            std::size_t const used = widest_whole - whole_digits(r) + r.number.size();
+            out << std::string(widest_number - used + 2, ' ') << r.note;
+        }
+        out << '\n';
+    }
+}
+
 void write_text(std::ostream& out, fit_result const& result) {
     std::vector<report_row> rows = rows_of(result.figures, true, number_text);
     rows.push_back({"points", std::to_string(result.count), {}});
@@ -104,26 +123,11 @@ void write_text(std::ostream& out, fit_result const& result) {
     add_contacts(rows, result.contacts);
     if (result.nominal) add_nominal(rows, *result.nominal);
 
-    std::size_t widest_label = 0, widest_whole = 0, widest_number = 0;
-    for (report_row const& r : rows) {
-        widest_label = std::max(widest_label, r.label.size());
-        widest_whole = std::max(widest_whole, whole_digits(r));
-    }
-    for (report_row const& r : rows)
-        widest_number = std::max(widest_number, widest_whole - whole_digits(r) + r.number.size());
     out << result.kind->name << "  " << result.file << '\n' << "  " << result.method;
     if (result.forgets_z()) out << ", fitted in XY";
     out << '\n';
     for (std::string const& words : result.conditions) out << "  " << words << '\n';
-    for (report_row const& r : rows) {
-        std::size_t const gap = widest_label - r.label.size() + 2 + widest_whole - whole_digits(r);
-        out << "  " << r.label << std::string(gap, ' ') << r.number;
-        if (!r.note.empty()) {
-            std::size_t const used = widest_whole - whole_digits(r) + r.number.size();
-            out << std::string(widest_number - used + 2, ' ') << r.note;
-        }
-        out << '\n';
-    }
+    write_rows(out, rows);
 }
 
 std::string residual_table(fit_result const& result) {

@@ -29,4 +29,7 @@ std::string form_label(fit_result const& result);
 std::vector<report_row> rows_of(std::vector<figure> const& figures, bool radians,
                                 std::string (*text)(double));
 
+/// Writes the rows indented by two blanks: labels on the left, decimal points below each other.
+void write_rows(std::ostream& out, std::vector<report_row> const& rows);
+
 }  // namespace tvmath

@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "convert_command.h"
 #include "exit_status.h"
 #include "fit_command.h"
 #include "fit_kinds.h"
 #include "mesh_command.h"
 #include "record_parameters.h"
 #include "render_command.h"
+#include "show_command.h"
 #include "tvmath/version.h"
 
 inline namespace tvmath {
@@ -29,6 +31,11 @@ char const* const examples =
     "  cat part*.xyz | tvmath fit cylinder -       one cylinder through the points of several files\n"
     "  tvmath zone circle bore.csv --plot bore.svg roundness by the minimum zone, with its contacts\n"
     "  tvmath mesh points.csv -o mesh.svg          the points joined to triangles\n"
+    "  tvmath fit circle bore.csv --record-file bore.xml\n"
+    "                                              the circle for another program\n"
+    "  tvmath show bore.xml -o circle.svg          and back: its parameters, and a picture of it\n"
+    "  tvmath convert profile.csv profile.hex --method 3\n"
+    "                                              measured points in a quarter of the bytes\n"
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
     "                                              an ellipse, its parallel and their bounding rectangles\n";
 
@@ -105,6 +112,10 @@ void add_fit(CLI::App& app, fit_request& request) {
                     "The points, in pairs with those of FILE, that a transform leads to")
         ->type_name("FILE");
     add_output(*fit, request);
+    fit->add_option("--record", request.record, "Print the fitted record in this form instead of the report")
+        ->type_name("text|xml");
+    fit->add_option("--record-file", request.record_file, "Write the fitted record into this file")
+        ->type_name("OUT.txt|xml");
     fit->footer(fit_kinds_help());
 }
 
@@ -152,6 +163,45 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
     return render;
 }
 
+CLI::App* add_convert(CLI::App& app, convert_request& request) {
+    CLI::App* const convert =
+        app.add_subcommand("convert", "Write points or a record in another form: csv, text, hex or xml");
+    convert->add_option("IN", request.input, "What is read; - is standard input")->required()->type_name("");
+    convert->add_option("OUT", request.output, "What is written; - is standard output")
+        ->required()
+        ->type_name("");
+    convert->add_option("--from", request.from, "The form of IN, where its suffix does not say it")
+        ->type_name("csv|text|hex|xml");
+    convert->add_option("--to", request.to, "The form of OUT, where its suffix does not say it")
+        ->type_name("csv|text|hex|xml");
+    convert->add_option("--kind", request.kind, "What a text holds that does not begin with its kind")
+        ->type_name("KIND");
+    convert
+        ->add_option("--method", request.method,
+                     "Of hex: 0 keeps every bit (the first choice), 1, 2 and 3 take 2, 3 and 6 bytes a point")
+        ->type_name("0..3");
+    convert->add_option("--precision", request.precision, "Digits of points in text and xml; 15 else")
+        ->type_name("N");
+    convert->add_flag("--bare", request.bare, "A text without the word for its kind");
+    return convert;
+}
+
+CLI::App* add_show(CLI::App& app, show_request& request) {
+    CLI::App* const show = app.add_subcommand("show", "Report and draw the points or the record in a file");
+    show->add_option("FILE", request.file, "As convert writes them; - is standard input")
+        ->required()
+        ->type_name("");
+    show->add_option("--from", request.from, "The form of FILE, where its suffix does not say it")
+        ->type_name("csv|text|hex|xml");
+    show->add_option(
+            "--kind", request.kind,
+            "What a text holds that does not begin with its kind; open-data or closed-data joins points")
+        ->type_name("KIND");
+    show->add_option("-o", request.output, "A picture (.svg, .png, .pdf) or a table of points (.csv, or -)")
+        ->type_name("PICTURE");
+    return show;
+}
+
 bool is_number(std::string const& word) {
     double ignored = 0;
     std::string reason;
@@ -190,7 +240,8 @@ std::vector<std::string> words_of(int argc, char** argv) {
 }
 
 exit_status run(int argc, char** argv) {
-    CLI::App app("Fits geometric features and zones to measured points, and draws shapes.", "tvmath");
+    CLI::App app("Fits geometric features and zones to measured points, draws shapes, and converts both.",
+                 "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
     app.formatter(std::make_shared<examples_first>());  // handed down to the commands
@@ -199,10 +250,14 @@ exit_status run(int argc, char** argv) {
     render_request to_render;
     fit_request to_zone;
     mesh_request to_mesh;
+    convert_request to_convert;
+    show_request to_show;
     add_fit(app, to_fit);
     CLI::App const* const zone = add_zone(app, to_zone);
     CLI::App const* const mesh = add_mesh(app, to_mesh);
     CLI::App const* const render = add_render(app, to_render);
+    CLI::App const* const convert = add_convert(app, to_convert);
+    CLI::App const* const show = add_show(app, to_show);
     try {
         app.parse(words_of(argc, argv));
         if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1 ||
@@ -221,6 +276,8 @@ exit_status run(int argc, char** argv) {
     if (render->parsed()) return run_render(to_render, std::cout, std::cerr);
     if (zone->parsed()) return run_zone(to_zone, std::cout, std::cerr);
     if (mesh->parsed()) return run_mesh(to_mesh, std::cout, std::cerr);
+    if (convert->parsed()) return run_convert(to_convert, std::cout, std::cerr);
+    if (show->parsed()) return run_show(to_show, std::cout, std::cerr);
     return run_fit(to_fit, std::cout, std::cerr);
 }
 

@@ -83,14 +83,6 @@ std::string_view bare(std::string_view field) {
     return trimmed(field.substr(1, field.size() - 2));
 }
 
-// A field as an error line quotes it: printable and short, whatever bytes it is made of.
-std::string quoted(std::string_view field) {
-    constexpr std::size_t longest = 40;
-    std::string text = "'";
-    for (char const c : field.substr(0, longest)) text += c >= ' ' && c <= '~' ? c : '?';
-    return text + (field.size() > longest ? "...'" : "'");
-}
-
 // Position of the first of `wanted` outside double quotes, or the size of the text.
 std::size_t find_unquoted(std::string_view text, std::string_view wanted, std::size_t from = 0) {
     bool in_quotes = false;
@@ -295,9 +287,7 @@ bool read_points(std::istream& in, bool decimal_comma, std::vector<point>& point
     return true;
 }
 
-bool read_point_file(std::string const& name, bool decimal_comma, std::vector<point>& points,
-                     read_error& error) {
-    if (name == "-") return read_points(std::cin, decimal_comma, points, error);
+bool open_input(std::string const& name, std::ifstream& file, read_error& error) {
     std::error_code ignored;
     // Opening a folder succeeds on some systems, and only reading fails.
     if (std::filesystem::is_directory(name, ignored)) {
@@ -305,13 +295,28 @@ bool read_point_file(std::string const& name, bool decimal_comma, std::vector<po
         return false;
     }
     errno = 0;
-    std::ifstream file(name, std::ios::binary);
+    file.open(name, std::ios::binary);
     if (!file) {
         int const cause = errno;
         error = {0, "cannot be opened" + (cause ? ": " + std::generic_category().message(cause) : "")};
         return false;
     }
+    return true;
+}
+
+bool read_point_file(std::string const& name, bool decimal_comma, std::vector<point>& points,
+                     read_error& error) {
+    if (name == "-") return read_points(std::cin, decimal_comma, points, error);
+    std::ifstream file;
+    if (!open_input(name, file, error)) return false;
     return read_points(file, decimal_comma, points, error);
+}
+
+std::string quoted(std::string_view field) {
+    constexpr std::size_t longest = 40;
+    std::string text = "'";
+    for (char const c : field.substr(0, longest)) text += c >= ' ' && c <= '~' ? c : '?';
+    return text + (field.size() > longest ? "...'" : "'");
 }
 
 std::string shown_name(std::string const& name) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tvmath/point.h"
@@ -25,6 +26,12 @@ bool read_points(std::istream& in, bool decimal_comma, std::vector<point>& point
 /// The same for the file of that name, or for standard input when `name` is "-".
 bool read_point_file(std::string const& name, bool decimal_comma, std::vector<point>& points,
                      read_error& error);
+
+/// Opens a file of that name. False, with the reason, when it cannot be opened or is a folder.
+bool open_input(std::string const& name, std::ifstream& file, read_error& error);
+
+/// Words of a file as an error line quotes them: printable and short, whatever bytes they are made of.
+std::string quoted(std::string_view words);
 
 /// `FILE:LINE: reason`, or `FILE: reason`, without an end of line; standard input is called <stdin>.
 std::string error_text(std::string const& name, read_error const& error);

@@ -1,14 +1,10 @@
 #include "render_command.h"
 
-#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <sstream>
 
-#include "drawing.h"
-#include "file_output.h"
-#include "picture.h"
-#include "point_file.h"
+#include "drawing_output.h"
 #include "record_parameters.h"
 
 inline namespace tvmath {
@@ -118,14 +114,7 @@ exit_status draw_requested(render_request const& request, std::vector<drawing>& 
 }  // namespace
 
 exit_status run_render(render_request const& request, std::ostream& out, std::ostream& err) {
-    std::string const suffix =
-        request.output == "-" ? ".csv" : std::filesystem::path(request.output).extension().string();
-    if (suffix != ".csv" && !is_picture_suffix(suffix)) {
-        err << shown_name(request.output) << ": the suffix must be .csv"
-            << (is_picture_suffix(".svg") ? ", .svg, .png or .pdf" : "; this build makes no pictures")
-            << '\n';
-        return exit_status::wrong_usage;
-    }
+    if (!is_drawing_name(request.output, err)) return exit_status::wrong_usage;
     std::vector<drawing> drawings;
     std::string reason;
     exit_status const status = draw_requested(request, drawings, reason);
@@ -133,22 +122,12 @@ exit_status run_render(render_request const& request, std::ostream& out, std::os
         err << "tvmath: " << reason << '\n';
         return status;
     }
-    bool const whole_sheet = drawings.size() > 1;
-    if (whole_sheet && suffix == ".csv") {
+    bool const is_table = request.output == "-" || request.output.ends_with(".csv");
+    if (drawings.size() > 1 && is_table) {
         err << "tvmath: the sheet of all kinds is a picture; one kind at a time has a table\n";
         return exit_status::wrong_usage;
     }
-    std::string const bytes =
-        suffix == ".csv" ? csv_text(drawings.front()) : picture_bytes(drawings, sheet_columns, suffix);
-    if (bytes.empty()) {
-        err << shown_name(request.output) << ": the picture cannot be made\n";
-        return exit_status::internal;
-    }
-    if (request.output == "-") {
-        out << bytes;
-        return exit_status::done;
-    }
-    return write_file(request.output, bytes, err);
+    return write_drawings(drawings, sheet_columns, request.output, out, err);
 }
 
 std::string render_kinds_help() {
