@@ -12,7 +12,7 @@ inline namespace tvmath {
 /// A folder for the files of one test, empty at first.
 class record_folder {
 public:
-    record_folder() : place_(std::filesystem::path(testing::TempDir()) / "tvmath_record_files") {
+    record_folder() : place_(std::filesystem::path(testing::TempDir()) / ("tvmath_" + test_name())) {
         std::filesystem::remove_all(place_);
         std::filesystem::create_directory(place_);
     }
@@ -33,6 +33,12 @@ public:
     }
 
 private:
+    // Tests run side by side, each in a process of its own.
+    static std::string test_name() {
+        testing::TestInfo const& test = *testing::UnitTest::GetInstance()->current_test_info();
+        return std::string(test.test_suite_name()) + '_' + test.name();
+    }
+
     std::filesystem::path place_;
 };
 

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <vector>
 
-#include "geometry/xyz.h"
 #include "fitting/point_lists.h"
+#include "geometry/xyz.h"
 #include "tvmath/matrix.h"
 #include "tvmath/transform.h"
 
