@@ -108,7 +108,7 @@ bool is_bezier(curve const& path) {
 // Measuring a curve takes time with the square of its order for each point, so that a small file could take
 // hours.
 bool is_reasonable(nurb const& n) {
-    constexpr double most_steps = 1 << 25;
+    constexpr double most_steps = 1 << 23;
     if (n.order() < 2 || n.order() > 256 || n.order() > n.control_points()) return false;
     if (double(n.order()) * n.order() * n.control_points() > most_steps) return false;
     for (unsigned int i = 0; i + 1 < n.knots(); ++i) {
