@@ -12,24 +12,13 @@
 #include <sstream>
 
 #include "canvas.h"
+#include "command_outcome.h"
 #include "number_text.h"
 #include "support/seeded_random.h"
 #include "support/shape_points.h"
 
 inline namespace tvmath {
 namespace {
-
-struct outcome {
-    int status;
-    std::string out, err;
-};
-
-std::string file_of(std::string const& text) {
-    std::string const name =
-        testing::TempDir() + "mesh_" + testing::UnitTest::GetInstance()->current_test_info()->name();
-    std::ofstream(name, std::ios::binary) << text;
-    return name;
-}
 
 outcome mesh(std::string const& text, std::string const& output, bool json = false) {
     std::ostringstream out, err;

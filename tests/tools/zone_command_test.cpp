@@ -9,6 +9,7 @@
 #include <set>
 #include <sstream>
 
+#include "command_outcome.h"
 #include "fit_command.h"
 #include "fit_result.h"
 #include "support/seeded_random.h"
@@ -16,18 +17,6 @@
 
 inline namespace tvmath {
 namespace {
-
-struct outcome {
-    int status;
-    std::string out, err;
-};
-
-std::string file_of(std::string const& text) {
-    std::string const name =
-        testing::TempDir() + "zone_" + testing::UnitTest::GetInstance()->current_test_info()->name();
-    std::ofstream(name, std::ios::binary) << text;
-    return name;
-}
 
 outcome run(std::string const& kind, std::string text, fit_request request = {}) {
     std::replace(text.begin(), text.end(), ' ', '\n');
