@@ -40,17 +40,21 @@ double squared_distance(point const& a, point const& b) {
     return dot(d, d);
 }
 
-// The shortest line (`nearest`) or the longest. A walked point is asked for only when the box of the other
-// list leaves it a chance: rounding is monotone, so the box is never beaten by what is in it.
-line pair_of_lists(std::vector<point> const& a, std::vector<point> const& b, bool nearest) {
-    if (!is_solid(a) || !is_solid(b)) return line();
+struct two_points {
+    point first, second;  // trivial when there is no pair
+};
+
+// The nearest points of two lists, or the farthest. A walked point is asked for only when the box of the
+// other list leaves it a chance: rounding is monotone, so the box is never beaten by what is in it.
+two_points pair_of_lists(std::vector<point> const& a, std::vector<point> const& b, bool nearest) {
+    two_points found;
+    if (!is_solid(a) || !is_solid(b)) return found;
     bool const first_is_tree = a.size() <= b.size();
     std::vector<point> const &held = first_is_tree ? a : b, &walked = first_is_tree ? b : a;
     PointFinder3D finder;
     finder.construct(held);
     list_box const box(held);
 
-    point from_held, from_walked;
     double best = nearest ? infinity : -infinity;
     for (point const& p : walked) {
         if (nearest ? !(box.squared_gap(p) < best) : !(box.squared_reach(p) > best)) continue;
@@ -59,20 +63,22 @@ line pair_of_lists(std::vector<point> const& a, std::vector<point> const& b, boo
         double const distance = squared_distance(p, held[index]);
         if (nearest ? !(distance < best) : !(distance > best)) continue;
         best = distance;
-        from_held = held[index];
-        from_walked = p;
+        found = {held[index], p};
     }
-    return first_is_tree ? distance_fit(from_held, from_walked) : distance_fit(from_walked, from_held);
+    if (!first_is_tree) point::swap(found.first, found.second);
+    return found;
 }
 
 }  // namespace
 
 line distance_near_3d(std::vector<point> const& a, std::vector<point> const& b) {
-    return pair_of_lists(a, b, true);
+    auto const [first, second] = pair_of_lists(a, b, true);
+    return distance_fit(first, second);
 }
 
 line distance_far_3d(std::vector<point> const& a, std::vector<point> const& b) {
-    return pair_of_lists(a, b, false);
+    auto const [first, second] = pair_of_lists(a, b, false);
+    return distance_fit(first, second);
 }
 
 }  // namespace tvmath
