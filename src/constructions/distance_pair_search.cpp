@@ -1,11 +1,9 @@
 #include "distance_pair_search.h"
 
 #include <algorithm>
+#include <array>
 #include <queue>
 #include <vector>
-
-#include "geometry/closest_point.h"
-#include "tvmath/scalar.h"
 
 inline namespace tvmath {
 namespace {
@@ -32,82 +30,6 @@ std::vector<piece> first_pieces(searched_path const& path) {
     }
     return pieces;
 }
-
-// Newton's iteration on half of the squared distance, times the sign of the search, over both parameters,
-// which stay in their ranges.
-class newton_search {
-public:
-    newton_search(searched_path const& p, searched_path const& q, double sign) : p_(p), q_(q), sign_(sign) {}
-
-    // Moves s and t downhill, to the local extreme as a rule. A step that does not improve is halved; the
-    // iteration ends when 6 halvings do not help, or after 40 steps, with the best parameters so far.
-    void refine(double& s, double& t) const {
-        double cost = cost_at(s, t);
-        for (int round = 0; round < 40; ++round) {
-            double ds = 0, dt = 0;
-            step_from(s, t, ds, dt);
-            if (ds == 0 && dt == 0) return;
-            bool improved = false;
-            for (int halving = 0; halving < 7 && !improved; ++halving, ds /= 2, dt /= 2) {
-                double const next_s = within(p_, s + ds), next_t = within(q_, t + dt);
-                double const next = cost_at(next_s, next_t);
-                improved = next < cost;
-                // The last digits of the parameters do not show in the distance: one full step more.
-                bool const is_last = halving == 0 && next <= cost + 8e-16 * std::fabs(cost) &&
-                                     std::fabs(ds) < 1e-6 && std::fabs(dt) < 1e-6;
-                if (!improved && !is_last) continue;
-                s = next_s;
-                t = next_t;
-                cost = next;
-                if (!improved) return;
-            }
-            if (!improved) return;
-        }
-    }
-
-private:
-    static double within(searched_path const& path, double t) {
-        return path.is_closed ? t : std::clamp(t, path.low, path.high);
-    }
-    double cost_at(double s, double t) const {
-        xyz const d = p_.position(s) - q_.position(t);
-        return sign_ * dot(d, d) / 2;
-    }
-    // A parameter at the end of its range, with the cost falling outward, does not take part.
-    static bool is_stuck(searched_path const& path, double t, double slope) {
-        return !path.is_closed && ((t <= path.low && slope > 0) || (t >= path.high && slope < 0));
-    }
-    void step_from(double s, double t, double& ds, double& dt) const {
-        auto const a = p_.at(s), b = q_.at(t);
-        xyz const d = a.position - b.position;
-        double const gs = sign_ * dot(d, a.slope), gt = -sign_ * dot(d, b.slope);
-        bool const fixed_s = is_stuck(p_, s, gs), fixed_t = is_stuck(q_, t, gt);
-        double const aa = dot(a.slope, a.slope), bb = dot(b.slope, b.slope);
-        double const ss = sign_ * (aa + dot(d, a.bend)), tt = sign_ * (bb - dot(d, b.bend));
-        double const st = -sign_ * dot(a.slope, b.slope);
-        if (fixed_s && fixed_t) return;
-        // Of one parameter, downhill in any case: where the second derivative is not above 0, a step by the
-        // speed, which is the right one at a crossing.
-        auto const alone = [](double g, double second, double speed) {
-            double const by = second > 1e-12 * speed ? second : speed;
-            return by > 0 ? -g / by : 0.0;
-        };
-        double const determinant = ss * tt - st * st;
-        if (!fixed_s && !fixed_t && ss > 0 && tt > 0 && determinant > 1e-14 * ss * tt) {
-            ds = -(gs * tt - gt * st) / determinant;
-            dt = -(gt * ss - gs * st) / determinant;
-            return;
-        }
-        // Not the neighbourhood of a regular extreme: downhill along each parameter, half as far where both
-        // are free, so that both together do not go too far.
-        double const part = fixed_s || fixed_t ? 1 : 0.5;
-        if (!fixed_s) ds = part * alone(gs, ss, aa);
-        if (!fixed_t) dt = part * alone(gt, tt, bb);
-    }
-
-    searched_path const &p_, &q_;
-    double sign_;
-};
 
 class pair_search {
 public:
@@ -161,7 +83,7 @@ private:
     }
     void consider(double s, double t) {
         if (best_.found && !(cost(length(p_.position(s) - q_.position(t))) < cost(best_.distance))) return;
-        newton_search(p_, q_, sign_).refine(s, t);
+        refine_pair(p_, q_, sign_, s, t);
         xyz const a = p_.position(s), b = q_.position(t);
         double const distance = length(a - b);
         if (!best_.found || cost(distance) < cost(best_.distance)) best_ = {true, a, b, distance};

@@ -46,6 +46,10 @@ protected:
 /// The search stops after 3000 pairs of pieces, which only paths at a constant distance need.
 void search_pair(searched_path const& p, searched_path const& q, bool nearest, place_pair& best);
 
+/// Moves the parameters s and t to a local extreme nearby: of least distance for a `sign` of 1, of greatest
+/// for -1.
+void refine_pair(searched_path const& p, searched_path const& q, double sign, double& s, double& t);
+
 /// Distance of the segments from a to b and from c to d.
 double segment_distance(xyz const& a, xyz const& b, xyz const& c, xyz const& d);
 

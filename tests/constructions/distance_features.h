@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <vector>
 
@@ -56,6 +58,16 @@ struct random_features {
         return c;
     }
 };
+
+/// Runs a check with features of every scale, in XY and in space in turn; stops at the first failure.
+template <class check>
+void for_random_features(std::uint64_t seed, int cases, check const& run) {
+    seeded_random random(seed);
+    for (int i = 0; i < cases && !testing::Test::HasFailure(); ++i) {
+        SCOPED_TRACE(i);
+        run(random_features{random, std::pow(10.0, i % 9 - 3), (i / 9) % 2 == 1});
+    }
+}
 
 inline point point_of(ellipse const& e, double t) {
     return e.basis(0) + std::cos(t) * e.basis(1) + std::sin(t) * e.basis(2);

@@ -10,15 +10,6 @@
 inline namespace tvmath {
 namespace {
 
-template <class check>
-void for_random_features(std::uint64_t seed, int cases, check const& run) {
-    seeded_random random(seed);
-    for (int i = 0; i < cases && !testing::Test::HasFailure(); ++i) {
-        SCOPED_TRACE(i);
-        run(random_features{random, std::pow(10.0, i % 9 - 3), (i / 9) % 2 == 1});
-    }
-}
-
 TEST(Distance, OfTwoPointsHasTheFrameTold) {
     struct {
         point a, b, middle, axes[3];

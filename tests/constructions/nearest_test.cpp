@@ -16,16 +16,6 @@ std::string text(point const& p) {
            (p.is_3d() ? " " + std::to_string(p.z()) : "");
 }
 
-// Every scale and dimension gets the same number of cases.
-template <class check>
-void for_random_features(std::uint64_t seed, int cases, check const& run) {
-    seeded_random random(seed);
-    for (int i = 0; i < cases && !testing::Test::HasFailure(); ++i) {
-        SCOPED_TRACE(i);
-        run(random_features{random, std::pow(10.0, i % 9 - 3), (i / 9) % 2 == 1});
-    }
-}
-
 TEST(NearestPoint, OfCasesWorkedByHand) {
     std::vector<point> const list = {point(), at(3, 4), at(nan, 0), at(-3, 4, 9), at(6, 1), at(5, 0, 0)};
     line const l(at(0, 0), at(2, 2)), along_z(distance_fit(at(1, 2, 0), at(1, 2, 5)));
