@@ -93,10 +93,11 @@ TVMATH_API line distance_far(ellipse e, point const& p);
 /// The shortest line in space between two ellipses, or the longest: of length 0, but for rounding, where they
 /// cross. Among equally good ones the answer is one, the same for both orders.
 ///
-/// A search by halving both ellipses with bounds of second order, and Newton's iteration at the end. The
-/// answer is within 1e-12 of the size of the figure of the best distance. Where the distance is the same
-/// along whole arcs to within 1e-5, as for almost concentric near-circles, the search stops at a limit of
-/// steps and the answer is a local extreme within that of the best; circles in parallel planes are exact.
+/// A search by halving both ellipses with bounds of second order, and Newton's iteration at the end: the
+/// distance is within 1e-12 of the size of the figure of the best one. Circles in parallel planes have a
+/// closed form. Where the distance is nearly constant along whole arcs, as between almost equal or concentric
+/// ellipses, the search ends at a limit of steps with the best local extreme nearby the places of a grid,
+/// which is that good too as a rule.
 ///
 /// Source: branch and bound as in R. Horst, H. Tuy, Global Optimization, Springer 1996, chapter 4.
 TVMATH_API line distance_near(ellipse a, ellipse b);
@@ -106,7 +107,8 @@ TVMATH_API line distance_far(ellipse a, ellipse b);
 /// empty; of length 0, but for rounding, where they cross. Accuracy, limits and source as for two ellipses.
 ///
 /// Pairs of spans are taken in order of the distance of their boxes, from trees over both paths, until none
-/// can be better. Spans with a trivial or infinite control point are left out.
+/// can be better. Paths at a constant distance are searched in full for ten pairs only. Spans with a trivial
+/// or infinite control point are left out.
 TVMATH_API line distance_near(curve a, curve b);
 
 }  // namespace tvmath

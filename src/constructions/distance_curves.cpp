@@ -96,20 +96,23 @@ struct node_pair {
 place_pair nearest_places(std::vector<cubic_span> const& as, std::vector<cubic_span> const& bs,
                           xyz const& origin) {
     box_tree const a(as), b(bs);
+    int long_searches_left = 10;  // of all pairs together, for paths at a constant distance
+    double const rounding = 1e-15 * (a[0].diagonal() + b[0].diagonal());
     place_pair best;
     std::priority_queue<node_pair> queue;
     auto const push = [&](std::size_t i, std::size_t j) {
         double const bound = box_distance(a[i], b[j]);
-        if (!best.found || bound < best.distance) queue.push({bound, i, j});
+        if (!best.found || bound < best.distance - rounding) queue.push({bound, i, j});
     };
     push(0, 0);
     while (!queue.empty()) {
         node_pair const top = queue.top();
         queue.pop();
-        if (best.found && !(top.bound < best.distance)) break;
+        if (best.found && !(top.bound < best.distance - rounding)) break;
         box_tree::node const &p = a[top.a], &q = b[top.b];
         if (p.is_leaf() && q.is_leaf()) {
-            search_pair(searched_span(as[p.first], origin), searched_span(bs[q.first], origin), true, best);
+            search_pair(searched_span(as[p.first], origin), searched_span(bs[q.first], origin), true, best,
+                        long_searches_left);
         } else if (q.is_leaf() || (!p.is_leaf() && p.diagonal() >= q.diagonal())) {
             push(p.left, top.b);
             push(p.right, top.b);

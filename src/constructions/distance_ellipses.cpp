@@ -69,7 +69,8 @@ line between(ellipse a, ellipse b, bool nearest) {
     searched_ellipse const p(a, origin), q(b, origin);
     if (!origin.is_finite() || !q.center().is_finite() || !std::isfinite(p.size + q.size)) return line();
     place_pair best;
-    if (!places_of_circles(p, q, nearest, best)) search_pair(p, q, nearest, best);
+    int long_searches_left = 1;
+    if (!places_of_circles(p, q, nearest, best)) search_pair(p, q, nearest, best, long_searches_left);
     if (!best.found) return line();
     point const from = (origin + best.a).location(a.is_3d()), to = (origin + best.b).location(b.is_3d());
     return is_turned ? distance_fit(to, from) : distance_fit(from, to);

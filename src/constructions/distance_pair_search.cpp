@@ -36,15 +36,19 @@ public:
     pair_search(searched_path const& p, searched_path const& q, bool nearest, place_pair& best)
         : p_(p), q_(q), nearest_(nearest), sign_(nearest ? 1 : -1), best_(best) {}
 
-    void run() {
+    void run(int& long_searches_left) {
         auto const ps = first_pieces(p_), qs = first_pieces(q_);
         for (piece const& a : ps) {
             for (piece const& b : qs) push(a, b);
         }
-        for (int step = 0; step < 3000 && !queue_.empty(); ++step) {
+        for (int step = 0; !queue_.empty() && can_improve(queue_.top().bound); ++step) {
+            if (step == (long_searches_left > 0 ? step_limit : short_limit)) {
+                if (long_searches_left > 0) search_grid();
+                --long_searches_left;
+                return;
+            }
             piece_pair const top = queue_.top();
             queue_.pop();
-            if (!can_improve(top.bound)) return;
             consider(top.p.middle(), top.q.middle());
             // The piece that strays farther from its chord.
             if (stray(p_, top.p) >= stray(q_, top.q)) {
@@ -56,6 +60,33 @@ public:
     }
 
 private:
+    static constexpr int step_limit = 2000, short_limit = 300, grid_size = 48;
+
+    // The last resort: the local extremes nearby all places of a grid that are better than their neighbours.
+    void search_grid() {
+        std::vector<xyz> on_p, on_q;
+        auto const parameter = [](searched_path const& path, int i) {
+            return path.low + i * (path.high - path.low) / grid_size;
+        };
+        for (int i = 0; i <= grid_size; ++i) {
+            on_p.push_back(p_.position(parameter(p_, i)));
+            on_q.push_back(q_.position(parameter(q_, i)));
+        }
+        auto const cost_at = [&](int i, int j) {
+            xyz const d = on_p[static_cast<std::size_t>(i)] - on_q[static_cast<std::size_t>(j)];
+            return sign_ * dot(d, d);
+        };
+        for (int i = 0; i <= grid_size; ++i) {
+            for (int j = 0; j <= grid_size; ++j) {
+                double const here = cost_at(i, j);
+                bool const is_least = (i == 0 || cost_at(i - 1, j) >= here) &&
+                                      (j == 0 || cost_at(i, j - 1) >= here) &&
+                                      (i == grid_size || cost_at(i + 1, j) >= here) &&
+                                      (j == grid_size || cost_at(i, j + 1) >= here);
+                if (is_least) refine_from(parameter(p_, i), parameter(q_, j));
+            }
+        }
+    }
     double cost(double distance) const { return sign_ * distance; }
     bool can_improve(double bound) const {
         return !best_.found || bound < cost(best_.distance) - 1e-13 * (p_.size + q_.size);
@@ -83,6 +114,9 @@ private:
     }
     void consider(double s, double t) {
         if (best_.found && !(cost(length(p_.position(s) - q_.position(t))) < cost(best_.distance))) return;
+        refine_from(s, t);
+    }
+    void refine_from(double s, double t) {
         refine_pair(p_, q_, sign_, s, t);
         xyz const a = p_.position(s), b = q_.position(t);
         double const distance = length(a - b);
@@ -117,8 +151,9 @@ double segment_distance(xyz const& a, xyz const& b, xyz const& c, xyz const& d) 
     return std::sqrt(least);
 }
 
-void search_pair(searched_path const& p, searched_path const& q, bool nearest, place_pair& best) {
-    pair_search(p, q, nearest, best).run();
+void search_pair(searched_path const& p, searched_path const& q, bool nearest, place_pair& best,
+                 int& long_searches_left) {
+    pair_search(p, q, nearest, best).run(long_searches_left);
 }
 
 }  // namespace tvmath

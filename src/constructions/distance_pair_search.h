@@ -43,8 +43,11 @@ protected:
 /// the steps grow with the number of digits. What is left at the end could improve the answer by less than
 /// 1e-13 of the sizes. Each better place found is moved to the local extreme by Newton's iteration.
 ///
-/// The search stops after 3000 pairs of pieces, which only paths at a constant distance need.
-void search_pair(searched_path const& p, searched_path const& q, bool nearest, place_pair& best);
+/// Paths at a constant distance would need steps without end. After 2000 pairs of pieces the search looks at
+/// the local extremes nearby the best places of a grid instead and counts `long_searches_left` down; when
+/// none are left it ends after 300 pairs with the best so far.
+void search_pair(searched_path const& p, searched_path const& q, bool nearest, place_pair& best,
+                 int& long_searches_left);
 
 /// Moves the parameters s and t to a local extreme nearby: of least distance for a `sign` of 1, of greatest
 /// for -1.

@@ -114,6 +114,7 @@ point point_farthest_on(point const& p, ellipse e) {
     if (!(axes.long_ > 0)) return answer(axes.at({1, 0}), e.is_3d());
     xyz const w(p.x() - axes.center.x, p.y() - axes.center.y, 0);
     double const x = dot(w, axes.e1) / axes.long_, y = dot(w, axes.e2) / axes.long_;
+    if (!std::isfinite(x) || !std::isfinite(y)) return point();
     angle_at const t = farthest_angle(std::fabs(x), std::fabs(y), axes.short_ / axes.long_);
     return answer(axes.at({-std::copysign(t.cosine, x), -std::copysign(t.sine, y)}), e.is_3d());
 }
