@@ -32,7 +32,7 @@ std::vector<point> moved_cloud(std::int64_t n, double x) {
     return points;
 }
 
-// One pair per call; `make` gives the second feature for a size.
+// One pair per call, going round in the list of first features.
 template <class first, class second, class function>
 void time_pairs(benchmark::State& state, std::vector<first> const& as, second const& b, function const& ask) {
     std::size_t i = 0;

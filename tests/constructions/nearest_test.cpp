@@ -84,8 +84,7 @@ TEST(NearestPoint, OfCasesWorkedByHand) {
     }
 }
 
-// `found` is no worse than all the samples, lies on the path, which passes through `tangent` there, and its
-// distance does not change to first order.
+// `found` is no worse than all the samples.
 void expect_extreme(point const& p, point const& found, std::vector<point> const& path, bool near,
                     measure distance, double size) {
     ASSERT_FALSE(found.is_trivial());
