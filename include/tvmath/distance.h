@@ -97,7 +97,7 @@ TVMATH_API line distance_far(ellipse e, point const& p);
 /// distance is within 1e-12 of the size of the figure of the best one. Circles in parallel planes have a
 /// closed form. Where the distance is nearly constant along whole arcs, as between almost equal or concentric
 /// ellipses, the search ends at a limit of steps with the best local extreme nearby the places of a grid,
-/// which is that good too as a rule; within 2e-10 of the size in random cases made to be of this kind.
+/// which is that good too as a rule; within 3e-10 of the size in random cases made to be of this kind.
 ///
 /// Source: branch and bound as in R. Horst, H. Tuy, Global Optimization, Springer 1996, chapter 4.
 TVMATH_API line distance_near(ellipse a, ellipse b);
