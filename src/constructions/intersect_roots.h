@@ -127,9 +127,14 @@ private:
         if (at_1 && raw_[last].at == 1) return store(1);
         double const before = std::max(raw_[first].at - reach, 0.0),
                      after = std::min(raw_[last].at + reach, 1.0);
-        double const middle = (raw_[first].at + raw_[last].at) / 2;
+        value_and_slope const low = f_(before), high = f_(after);
+        double middle = (raw_[first].at + raw_[last].at) / 2;
+        if ((low.value < 0) != (high.value < 0)) return store(middle);
+        // A touch keeps half of its digits in the value, but all of them in the slope.
+        double const flat = before + (after - before) * (low.slope / (low.slope - high.slope));
+        if (flat >= before && flat <= after) middle = flat;
         store(middle);
-        if ((f_(before).value < 0) == (f_(after).value < 0)) store(middle);
+        store(middle);
     }
 
     void store(double at) {

@@ -167,7 +167,8 @@ bool span_pair::cross_once(piece const& a, piece const& b) {
         // As far as rounding of the coordinates lets it come.
         if (moved <= 1e-15 || (moved >= last / 2 && size(gap) <= noise_)) {
             if (!within(s, a.from, a.width) || !within(t, b.from, b.width)) return false;
-            contacts_.push_back({s, t, 0});
+            // Without a quick end the zero is a double one, up to rounding: a touch.
+            contacts_.push_back({s, t, moved > 1e-12 ? 4 * moved : 0});
             return true;
         }
         last = moved;
