@@ -167,8 +167,9 @@ bool span_pair::cross_once(piece const& a, piece const& b) {
         // As far as rounding of the coordinates lets it come.
         if (moved <= 1e-15 || (moved >= last / 2 && size(gap) <= noise_)) {
             if (!within(s, a.from, a.width) || !within(t, b.from, b.width)) return false;
-            // Without a quick end the zero is a double one, up to rounding: a touch.
-            contacts_.push_back({s, t, moved > 1e-12 ? 4 * moved : 0});
+            // At a touch the gap is lost in rounding before the place is found.
+            bool const touches = std::fabs(d) < 1e-6 * size(p.slope) * size(q.slope);
+            contacts_.push_back({s, t, touches ? 0x1p-26 : 0});
             return true;
         }
         last = moved;
