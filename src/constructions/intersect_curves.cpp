@@ -1,5 +1,5 @@
-#include <algorithm>
 #include <cstddef>
+#include <map>
 #include <vector>
 
 #include "geometry/extent.h"
@@ -65,10 +65,25 @@ private:
 // Hits nearer than this are one: the end of a span and the start of the next one report the same place.
 constexpr double same_place = 1e-7;
 
-bool is_new(std::vector<point> const& found, point const& hit) {
-    return std::none_of(found.rbegin(), found.rend(),
-                        [&](point const& p) { return distance3d(p, hit) < same_place; });
-}
+// The hits so far, by their x, so that a long list is not searched for each.
+class distinct_hits {
+public:
+    void add(point const& hit) {
+        for (auto near = by_x_.lower_bound(hit.x() - same_place);
+             near != by_x_.end() && near->first <= hit.x() + same_place; ++near) {
+            if (distance3d(found_[near->second], hit) < same_place) return;
+        }
+        by_x_.emplace(hit.x(), found_.size());
+        found_.push_back(hit);
+    }
+    idioms::array<point> list() const {
+        return idioms::array<point>(static_cast<unsigned int>(found_.size()), found_.data());
+    }
+
+private:
+    std::multimap<double, std::size_t> by_x_;
+    std::vector<point> found_;
+};
 
 }  // namespace
 
@@ -78,17 +93,16 @@ idioms::array<point> point_intersect(curve a, curve b) {
     point const* const first = a.begin();
     point const* const second = b.begin();
     span_pair pair;
-    std::vector<point> hits, found;
+    std::vector<point> hits;
+    distinct_hits found;
     for (std::size_t i = 0; i < tree_a.count(); ++i) {
         tree_b.visit_overlaps(tree_a.of_span(i), [&](std::size_t j) {
             hits.clear();
             pair.meet(first + 3 * i, second + 3 * j, hits);
-            for (point const& hit : hits) {
-                if (is_new(found, hit)) found.push_back(hit);
-            }
+            for (point const& hit : hits) found.add(hit);
         });
     }
-    return idioms::array<point>(static_cast<unsigned int>(found.size()), found.data());
+    return found.list();
 }
 
 }  // namespace tvmath

@@ -14,7 +14,7 @@ using controls = std::array<xy, 4>;
 
 // Beyond: spans with a common stretch. Nine crossings take a few hundred steps.
 constexpr int most_steps = 1 << 16;
-constexpr std::size_t most_contacts = 1 << 12;
+constexpr std::size_t most_contacts = 1 << 11;
 // Of a span's parameter: what rounding may put outside of a piece; what is a common stretch.
 constexpr double slack = 1e-12, stretch = 1e-2;
 

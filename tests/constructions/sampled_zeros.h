@@ -48,22 +48,23 @@ inline point path_point(curve const& c, double t) {
 }
 
 /// Distance in XY from a Bezier path, by samples and ternary search.
-inline double path_distance(curve const& c, point const& p) {
-    int const n = 32 * static_cast<int>(c.capacity() / 3);
+inline double path_distance(curve const& c, point const& p, int fine = 32) {
+    int const n = fine * static_cast<int>(c.capacity() / 3);
     auto const distance = [&](double t) { return distance2d(path_point(c, t), p); };
     double best = distance(0), leg = 0;
     for (unsigned int i = 1; i < c.capacity(); ++i) leg = std::max(leg, distance2d(c[i - 1], c[i]));
     for (int i = 0; i < n; ++i) {  // the joints are among the samples
         double lo = static_cast<double>(i) / n, hi = static_cast<double>(i + 1) / n;
         // No point of the interval is farther than that from its middle: the speed is at most 3 legs.
-        if (distance((lo + hi) / 2) - 1.5 * leg / 32 > best) continue;
+        if (distance((lo + hi) / 2) - 1.5 * leg / fine > best) continue;
         for (int step = 0; step < 80; ++step) {
             double const a = lo + (hi - lo) / 3, b = hi - (hi - lo) / 3;
             (distance(a) < distance(b) ? hi : lo) = distance(a) < distance(b) ? b : a;
         }
         best = std::min(best, distance((lo + hi) / 2));
     }
-    return best;
+    // A tight turn may have had two minima between samples.
+    return best > 1e-8 && fine < 1000 ? path_distance(c, p, 1024) : best;
 }
 
 }  // namespace tvmath
