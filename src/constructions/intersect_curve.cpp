@@ -18,6 +18,10 @@ idioms::array<point> list_of(std::vector<point> const& points) {
     return idioms::array<point>(static_cast<unsigned int>(points.size()), points.data());
 }
 
+void add(std::vector<point>& found, xyz const& at) {
+    if (at.is_finite()) found.push_back(at.location(true));
+}
+
 // Height of a span above the line, by the heights of its control points.
 struct height {
     std::array<double, 4> c;
@@ -87,7 +91,7 @@ idioms::array<point> point_intersect(line l, curve c) {
         double const noise = 2 * epsilon * reach;
         if (low > noise || high < -noise) continue;
         for (double const t : bernstein_zeros<4, height>(span.c, noise, true, span)) {
-            found.push_back(span_point(first + i, t).location(true));
+            add(found, span_point(first + i, t));
         }
     }
     return list_of(found);
@@ -109,7 +113,7 @@ idioms::array<point> point_intersect(ellipse e, curve c) {
         for (xy const& w : span.w) most = std::max(most, size(w));
         double const noise = 4 * epsilon * most * most;
         for (double const t : bernstein_zeros<7, unit_frame_span>(span.coefficients(), noise, true, span)) {
-            found.push_back(span_point(first + i, t).location(true));
+            add(found, span_point(first + i, t));
         }
     }
     return list_of(found);

@@ -8,6 +8,7 @@
 #include "intersect_roots.h"
 #include "tvmath/intersection.h"
 #include "tvmath/scalar.h"
+#include "two_points.h"
 
 inline namespace tvmath {
 
@@ -21,18 +22,15 @@ idioms::array<point> point_intersect(line l, ellipse e) {
     xy const n = xy(-d.y / along, d.x / along), gap = xy(p) - xy(c);
     double const alpha = dot(xy(u), n), beta = dot(xy(v), n), g = dot(gap, n), s = std::hypot(alpha, beta);
     if (!(s >= std::fabs(g)) || s == 0 || !std::isfinite(s)) return {};
-    double h = std::sqrt((s - g) * (s + g));
-    if (cross(xy(u), xy(v)) > 0) h = -h;
-    idioms::array<point> both(2);
-    point* to = both.lazycopy_begin();
-    for (double const step : {-h, h}) {
-        double const cosine = (g / s * alpha - step / s * beta) / s,
-                     sine = (g / s * beta + step / s * alpha) / s;
+    double const h = std::sqrt((s - g) * (s + g));
+    auto const at = [&](double step) {
+        double const cosine = (g * alpha - step * beta) / (s * s), sine = (g * beta + step * alpha) / (s * s);
         xyz const w = cosine * u + sine * v;
-        double const t = (dot(xy(w), xy(d)) - dot(gap, xy(d))) / (along * along);
-        *to++ = point(true, c.x + w.x, c.y + w.y, (c.z + w.z + p.z + t * d.z) / 2);
-    }
-    return both;
+        double const t = dot(xy(w) - gap, xy(d)) / (along * along);
+        return xyz(c.x + w.x, c.y + w.y, (c.z + w.z + p.z + t * d.z) / 2);
+    };
+    bool const right_handed = cross(xy(u), xy(v)) > 0;
+    return two_points(at(right_handed ? h : -h), at(right_handed ? -h : h));
 }
 
 namespace {
@@ -91,7 +89,8 @@ void meet(flat_ellipse const& mover, flat_ellipse const& frame, bool exchanged, 
             double const angle =
                 exchanged ? std::atan2(other.y, other.x) - seam : 2 * std::atan(tau) + (side < 0 ? pi : 0);
             xyz const place = mover.center + w;
-            found.push_back({modulus(angle, 2 * pi), point(true, place.x, place.y, (place.z + height) / 2)});
+            xyz const mean(place.x, place.y, (place.z + height) / 2);
+            if (mean.is_finite()) found.push_back({modulus(angle, 2 * pi), mean.location(true)});
         }
     }
 }

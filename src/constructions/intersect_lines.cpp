@@ -5,19 +5,12 @@
 #include "flat_ellipse.h"
 #include "tvmath/intersection.h"
 #include "tvmath/scalar.h"
+#include "two_points.h"
 
 inline namespace tvmath {
 namespace {
 
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
-
-idioms::array<point> two_points(xyz const& first, xyz const& second) {
-    idioms::array<point> both(2);
-    point* const to = both.lazycopy_begin();
-    to[0] = first.location(true);
-    to[1] = second.location(true);
-    return both;
-}
 
 // The segment between two points of a line in space. The constructor from two points would lay it into XY.
 line segment(xyz const& from, xyz const& to) {
@@ -122,7 +115,10 @@ idioms::array<point> point_intersect(line l, cone c) {
     // Parallel to a generator, but for rounding: the second root would be a matter of it.
     if (std::fabs(A) <= 8 * epsilon * (dot(d_across, d_across) + steep * steep)) A = 0;
     if (!std::isfinite(A + B + C) || (A == 0 && B == 0)) return {};
-    if (A == 0) return idioms::array<point>(1, (near - (C / (2 * B)) * d).location(true));
+    if (A == 0) {
+        xyz const at = near - (C / (2 * B)) * d;
+        return idioms::array<point>(at.is_finite() ? 1 : 0, at.location(true));
+    }
     double discriminant = B * B - A * C;
     // Through the vertex, the axis among them, it is 0 but for rounding.
     if (std::fabs(discriminant) <= 8 * epsilon * (B * B + std::fabs(A * C))) discriminant = 0;

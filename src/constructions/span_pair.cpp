@@ -120,7 +120,8 @@ void span_pair::meet(point const* first, point const* second, std::vector<point>
     merge_touches();
     for (contact const& c : contacts_) {
         double const s = std::clamp(c.s, 0.0, 1.0), t = std::clamp(c.t, 0.0, 1.0);
-        hits.push_back((0.5 * (span_point(first, s) + span_point(second, t))).location(true));
+        xyz const at = 0.5 * (span_point(first, s) + span_point(second, t));
+        if (at.is_finite()) hits.push_back(at.location(true));
     }
 }
 
