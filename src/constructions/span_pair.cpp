@@ -17,6 +17,8 @@ constexpr int most_steps = 1 << 16;
 constexpr std::size_t most_contacts = 1 << 11;
 // Of a span's parameter: what rounding may put outside of a piece; what is a common stretch.
 constexpr double slack = 1e-12, stretch = 1e-2;
+// The widest piece that may count as a touch: straight spans are equal at any width where they overlap.
+constexpr double most_touch = 0x1p-20;
 
 struct derivatives {
     xy at, slope, bend;
@@ -141,7 +143,8 @@ void span_pair::search(piece const& a, piece const& b) {
     bool const tiny = a.width < 0x1p-40 && b.width < 0x1p-40;
     xy const u = a.p[3] - a.p[0], v = b.p[3] - b.p[0];
     bool const parallel = std::fabs(cross(u, v)) <= 2 * noise_ * std::min(size(u), size(v));
-    if (tiny || (straight && alike && parallel) || (extent_a <= noise_ && extent_b <= noise_)) {
+    if (tiny || (straight && alike && parallel && a.width < most_touch) ||
+        (extent_a <= noise_ && extent_b <= noise_)) {
         contacts_.push_back({a.from + a.width / 2, b.from + b.width / 2, a.width});
         return;
     }
@@ -197,7 +200,7 @@ void span_pair::merge_touches() {
         if (touch) {
             c.s = (low + high) / 2;
             c.t = (contacts_[i].t + contacts_[last].t) / 2;
-            settle_touch(c.s, c.t);
+            settle_touch(c);
         }
         if (!touch || (!overflow && high - low < stretch)) merged.push_back(c);
         i = last + 1;
@@ -205,9 +208,17 @@ void span_pair::merge_touches() {
     contacts_.swap(merged);
 }
 
-// Where the tangents are parallel and the gap is across them; unchanged where that does not settle nearby.
-void span_pair::settle_touch(double& s, double& t) const {
-    double x = s, y = t;
+// The ends of both spans where they are the same place, else where the tangents are parallel and the gap is
+// across them; unchanged where that does not settle nearby.
+void span_pair::settle_touch(contact& c) const {
+    auto const gap_at = [&](double s, double t) { return evaluate(first_, s).at - evaluate(second_, t).at; };
+    double const s_end = std::round(c.s), t_end = std::round(c.t);
+    if (std::fabs(c.s - s_end) < 4 * most_touch && std::fabs(c.t - t_end) < 4 * most_touch &&
+        size(gap_at(s_end, t_end)) <= noise_) {
+        c = {s_end, t_end, c.reach};
+        return;
+    }
+    double x = c.s, y = c.t;
     for (int step = 0; step < 8; ++step) {
         derivatives const p = evaluate(first_, x), q = evaluate(second_, y);
         xy const gap = p.at - q.at;
@@ -216,12 +227,9 @@ void span_pair::settle_touch(double& s, double& t) const {
         double const gx = cross(p.bend, q.slope), gy = cross(p.slope, q.bend), d = fx * gy - fy * gx;
         x -= (f * gy - g * fy) / d;
         y -= (g * fx - f * gx) / d;
-        if (!(std::fabs(x - s) < 1e-3 && std::fabs(y - t) < 1e-3)) return;
+        if (!(std::fabs(x - c.s) < 1e-3 && std::fabs(y - c.t) < 1e-3)) return;
     }
-    if (!within(x, 0, 1) || !within(y, 0, 1)) return;
-    if (size(evaluate(first_, x).at - evaluate(second_, y).at) > 4 * noise_) return;
-    s = x;
-    t = y;
+    if (within(x, 0, 1) && within(y, 0, 1) && size(gap_at(x, y)) <= 4 * noise_) c = {x, y, c.reach};
 }
 
 }  // namespace tvmath

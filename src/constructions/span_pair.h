@@ -34,7 +34,7 @@ private:
     void search(piece const& a, piece const& b);
     bool cross_once(piece const& a, piece const& b);
     void merge_touches();
-    void settle_touch(double& s, double& t) const;
+    void settle_touch(contact& c) const;
 
     controls first_, second_;
     double noise_ = 0;

@@ -327,6 +327,12 @@ TEST(PointIntersect, GivesWhatIsToldAtTheEdges) {
     cone const funnel(at(0, 0, 1), at(0, 0, 2), 1, 2);  // |(x, y)| = z
     ellipse const circle1(1, at(0, 0));
     curve const ring = circle1.render_bezier().promote3d();
+    auto const straight = [](double from, double to) {
+        curve c(4);
+        for (unsigned int i = 0; i < 4; ++i)
+            c(i) = at(from + (to - from) * i / 3, (from + (to - from) * i / 3) / 2, 0);
+        return c;
+    };
     double const root = std::sqrt(0.5), far = std::sqrt(0.8);
     struct {
         char const* name;
@@ -352,6 +358,10 @@ TEST(PointIntersect, GivesWhatIsToldAtTheEdges) {
         {"paths of 2D points", point_intersect(circle1.render_bezier(), ring), points()},
         {"paths that touch", point_intersect(ring, ellipse(1, at(2, 0)).render_bezier().promote3d()),
          points(1, at(1, 0, 0))},
+        {"straight paths end to end", point_intersect(straight(0, 1), straight(1, 3)),
+         points(1, at(1, 0.5, 0))},
+        {"straight paths along each other", point_intersect(straight(0, 2), straight(1, 3)), points()},
+        {"a path along itself", point_intersect(straight(0, 2), straight(0, 2)), points()},
         {"a line over the joints", point_intersect(line(at(0, 5), at(1, 5.1)), ring), points()},
         {"an empty ellipse", point_intersect(x, ellipse()), points()},
         {"a line without extent", point_intersect(line(at(1, 0), at(1, 0)), circle1), points()},
