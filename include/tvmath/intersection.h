@@ -78,9 +78,10 @@ TVMATH_API idioms::array<point> point_intersect(ellipse e1, ellipse e2);
 TVMATH_API idioms::array<point> point_intersect(ellipse e, curve c);
 /// All common points of two paths as seen along Z, in the order of the first path's spans and, for each, of
 /// the second one's; within a span in its direction. z is the mean of both. Places nearer than 1e-7 to one
-/// found before are left out, so one at a joint, or a touch, is given once. Spans touch where rounding cannot
-/// tell them apart; along a common stretch they do so everywhere, and nothing is given for it. Empty unless
-/// both sizes are 1 mod 3 and at least 4 and both first points are 3D.
+/// found before are left out, so one at a joint, or a touch, is given once. Two spans touch where rounding
+/// cannot tell them apart. Spans that share a stretch do so everywhere on it: nothing is given for such a
+/// pair, though their neighbours may give its joints. Empty unless both sizes are 1 mod 3 and at least 4 and
+/// both first points are 3D.
 ///
 /// Source: subdivision with the bounds of T. W. Sederberg, T. Nishita, Curve intersection using Bezier
 /// clipping, CAD 22 (1990) 538-549, and Newton's iteration for pieces that share no direction.

@@ -184,6 +184,8 @@ bool span_pair::cross_once(piece const& a, piece const& b) {
 // Neighbouring touches are one. Crossings stay as they are.
 void span_pair::merge_touches() {
     bool const overflow = steps_left_ < 0 || contacts_.size() >= most_contacts;
+    std::stable_sort(contacts_.begin(), contacts_.end(),
+                     [](contact const& a, contact const& b) { return a.s < b.s; });
     std::vector<contact> merged;
     for (std::size_t i = 0; i < contacts_.size();) {
         std::size_t last = i;

@@ -18,7 +18,7 @@ inline namespace tvmath {
 /// neighbourhood of such pieces is one meeting point, and a long one is a common stretch, which has none.
 class span_pair {
 public:
-    /// Appends the mean of both spans' points at each meeting, in the order of the first span's pieces.
+    /// Appends the mean of both spans' points at each meeting, in the direction of the first span.
     void meet(point const* first, point const* second, std::vector<point>& hits);
 
 private:
