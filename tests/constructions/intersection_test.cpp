@@ -314,7 +314,8 @@ TEST(PointIntersect, OfLinesIsTheMiddleOfTheirShortestConnection) {
         point const gap = normalize(cross(u, v)) * random.uniform(0, s);
         line const first = space_line(a + u * (s * coordinate(random)), u);
         line const second = space_line(a + gap + v * (s * coordinate(random)), v);
-        double const tolerance = 1e-13 * s / cross(u, v).length3d();
+        // A direction rounded along the gap moves the closest points by gap / sin² of the angle.
+        double const tolerance = 1e-14 * s / sqr(cross(u, v));
         EXPECT_LE(distance3d(point_intersect(first, second), a + gap / 2), tolerance);
         EXPECT_LE(distance3d(point_intersect(second, first), a + gap / 2), tolerance);
     }
