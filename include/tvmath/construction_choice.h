@@ -75,13 +75,14 @@ public:
     char16_t const* key() const override { return u"ILE"; }
 };
 
-/// An index into a list of answers.
+/// An index into a list of answers. In a text it is a signed number of 32 bits, as which any index is written
+/// and read back; a larger number is no text of an index.
 class TVMATH_API indexed_solution : public multi_solution {
 public:
     /// Any index is kept, also one beyond the list.
     void select(unsigned int index) override;
     void selected(unsigned int& index) const override;
-    /// "(KEY index" and the answers ")". The index is written as a signed number of 32 bits.
+    /// "(KEY index" and the answers ")".
     wide_string to_text() const override;
     /// The key of the class.
     virtual char16_t const* key() const = 0;
@@ -111,18 +112,14 @@ public:
     bool update_from(multi_solution const* previous) override;
     /// Moves every answer that exists.
     void apply_transform(transform unused, transform move) override;
-    /// An index and the numbers of the answers, whole answers only. False for any other text, and for an
-    /// index that is no signed number of 32 bits.
-    bool from_text(unsigned short const* text) override;
 
 protected:
     solution_list() = default;
     explicit solution_list(std::vector<answer> answers);
-    wide_string answers_text() const override;
     /// The list in an object of the same class; null for any other.
     solution_list const* same_class(multi_solution const* other) const;
-    /// The answer of that index; one that does not exist beyond the list.
-    answer answer_at(unsigned int index) const;
+    /// The chosen answer; null when it does not exist.
+    answer const* chosen() const;
 
     std::vector<answer> answers_;
 };
@@ -137,7 +134,12 @@ class TVMATH_API intersect_curve : public solution_list<point> {
 public:
     intersect_curve() = default;
     explicit intersect_curve(idioms::array<point> const& points);
+    /// An index and an even count of numbers; false when anything else follows.
+    bool from_text(unsigned short const* text) override;
     char16_t const* key() const override { return u"ILC"; }
+
+protected:
+    wide_string answers_text() const override;
 };
 
 /// "IEE": of the up to 4 points where two ellipses meet; further ones are left out. The text is that of a
@@ -155,6 +157,9 @@ public:
     /// odd count of numbers.
     bool from_text(unsigned short const* text) override;
     char16_t const* key() const override { return u"IEE"; }
+
+protected:
+    wide_string answers_text() const override;
 };
 
 /// "CP3": of the candidates for the closest point in space. The text holds the list with 8 digits, z too.
@@ -178,7 +183,7 @@ class TVMATH_API tangent_line_multi : public solution_list<line_ends> {
 public:
     tangent_line_multi() = default;
     explicit tangent_line_multi(std::vector<line> const& lines);
-    /// An index and a list of points, an even number of them.
+    /// An index and a list of points, an even number of them; false for any other number of items.
     bool from_text(unsigned short const* text) override;
     char16_t const* key() const override { return u"LTM"; }
 
@@ -196,6 +201,7 @@ public:
     /// Takes over the index of `previous`; false unless both objects have a list with a point there.
     bool update_from(multi_solution const* previous) override;
     void apply_transform(transform unused, transform move) override;
+    /// An index and an even count of numbers; false when anything else follows.
     bool from_text(unsigned short const* text) override;
     char16_t const* key() const override { return u"LMM"; }
 
@@ -210,9 +216,14 @@ private:
 
 /// Of tangent circles. The text holds x and y of the centre and the radius of each with 6 significant digits.
 class TVMATH_API circle_tangent_multi : public solution_list<circle> {
+public:
+    /// An index and three numbers for each circle; false when anything else follows.
+    bool from_text(unsigned short const* text) override;
+
 protected:
     circle_tangent_multi() = default;
     explicit circle_tangent_multi(std::vector<circle> const& circles) : solution_list(circles) {}
+    wide_string answers_text() const override;
 };
 
 /// "CTTF": of those that touch two lines and pass through a point.
