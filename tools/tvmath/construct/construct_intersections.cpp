@@ -1,14 +1,18 @@
 #include "construct/construct_table.h"
 #include "tvmath/intersection.h"
+#include "tvmath/intersection_choice.h"
 
 inline namespace tvmath {
 
 void add_intersections(std::vector<construct_row>& rows) {
     auto const op = operation::intersect;
     auto const xy = construct_form::xy, space = construct_form::space;
-    auto const points = [](auto const& a, auto const& b) { return point_intersect(a, b); };
-    add_row<line, line>(rows, op, space, points);
-    add_both<line, plane>(rows, op, space, points);
+    auto const one = [](auto const& a, auto const& b) { return point_intersect(a, b); };
+    auto const points = [](auto const& a, auto const& b) {
+        return remembered<Point_Description>([&](auto& list) { return point_intersect(a, b, list); });
+    };
+    add_row<line, line>(rows, op, space, one);
+    add_both<line, plane>(rows, op, space, one);
     add_row<plane, plane>(rows, op, space, [](auto const& a, auto const& b) {
         line const common = line_intersect(a, b);
         return common.size(1) > 0 ? common : line();  // parallel planes have a line without extent

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "drawing.h"
-#include "plot_labels.h"
 #include "tvmath/nearest_point.h"
 #include "tvmath/scalar.h"
 
@@ -99,6 +98,17 @@ std::vector<point> places_of(std::vector<seen_record> const& all) {
     return places;
 }
 
+// Whether something would be hidden from a view along Z.
+bool has_depth(construct_result const& result) {
+    for (construct_feature const& f : result.features) {
+        if (is_body(f.kind)) return true;
+    }
+    std::vector<point> const places = places_of(see_all(result, {}));
+    auto const height = [](point const& p) { return p.is_3d() ? p.z() : 0.0; };
+    return std::any_of(places.begin(), places.end(),
+                       [&](point const& p) { return height(p) != height(places.front()); });
+}
+
 // A plane has no border: a square about the foot of the other features, as large as they are, stands for it.
 void frame_planes(std::vector<seen_record>& all) {
     std::vector<point> const places = places_of(all);
@@ -132,6 +142,14 @@ void add_dots(scene_part& part, std::vector<spot> const& dots) {
     for (std::size_t i = 0; i < dots.size(); i += step) part.dots.push_back(dots[i]);
 }
 
+std::vector<spot> spots_of(curve const& path, spot origin) {
+    std::vector<spot> places;
+    for (point const& p : path) {
+        if (is_drawable(p)) places.push_back(spot{p.x(), p.y()} - origin);
+    }
+    return places;
+}
+
 scene_part part_of(seen_record const& seen, spot origin) {
     scene_part part = seen.part;
     part.is_surface = is_plane(seen);
@@ -139,15 +157,15 @@ scene_part part_of(seen_record const& seen, spot origin) {
     bool const is_dots = type == Point_Description::type_value || type == PointCloud_Description::type_value;
     std::vector<spot> dots;
     for (stroke const& s : seen.strokes) {
-        std::vector<spot> places;
-        for (point const& p : s.path) {
-            if (is_drawable(p)) places.push_back(spot{p.x(), p.y()} - origin);
-        }
+        std::vector<spot> const places = spots_of(s.path, origin);
         if (places.empty()) continue;
         if (s.role == stroke_role::outline) part.strokes.push_back({places, s.closed});
         if (s.role == stroke_role::mark && is_dots) dots.push_back(places.front());
     }
     add_dots(part, dots);
+    // The constructions take all of its circle.
+    if (auto const* const arc = dynamic_cast<Arc_Description const*>(seen.record.get()))
+        part.hidden.push_back({spots_of(arc->circle.render_ellipse(90), origin), true});
     if (type == Segment_Description::type_value && !part.strokes.empty()) {
         std::vector<spot> const& ends = part.strokes.front().at;
         if (seen.is_endless) {
@@ -159,106 +177,10 @@ scene_part part_of(seen_record const& seen, spot origin) {
     return part;
 }
 
-class scene_drawer {
-public:
-    scene_drawer(canvas& c, construct_scene const& scene, plot_panel const& panel)
-        : c_(c), scene_(scene), panel_(panel), labels_(c, panel) {}
-
-    void draw() {
-        c_.begin_clip(panel_.corner, panel_.width, panel_.height);
-        for (scene_part const& part : scene_.parts) draw_extension(part);
-        for (scene_part const& part : scene_.parts) draw_part(part);
-        for (scene_part const& part : scene_.parts) {
-            for (std::size_t i = 0; i < std::min<std::size_t>(part.dots.size(), 40); ++i)
-                labels_.keep_clear(panel_.at(part.dots[i]), 3);
-        }
-        for (std::size_t i = 0; i < scene_.parts.size(); ++i) draw_label(scene_.parts[i], i);
-        c_.end_clip();
-    }
-
-private:
-    static color ink_of(scene_role role) {
-        return role == scene_role::feature ? feature_ink : role == scene_role::answer ? below_ink : above_ink;
-    }
-    static double width_of(scene_role role) {
-        return role == scene_role::feature ? 1.1 : role == scene_role::answer ? 1.2 : 2.0;
-    }
-
-    void draw_extension(scene_part const& part) {
-        if (!part.along) return;
-        double const length = std::hypot(part.along->x, part.along->y);
-        if (!(length > 0)) return;
-        spot const middle = 0.5 * (part.strokes.front().at.front() + part.strokes.front().at.back());
-        spot const away = middle - 0.5 * (panel_.low + panel_.high);
-        double const reach = std::hypot(panel_.high.x - panel_.low.x, panel_.high.y - panel_.low.y) +
-                             std::hypot(away.x, away.y);
-        canvas_path path;
-        path.move_to(panel_.at(middle - (reach / length) * *part.along));
-        path.line_to(panel_.at(middle + (reach / length) * *part.along));
-        c_.stroke(path, {ink_of(part.role), 0.5, 3});
-    }
-
-    void draw_part(scene_part const& part) {
-        canvas_path path;
-        for (scene_part::stroke const& s : part.strokes) {
-            path.interrupt();
-            for (spot const& p : s.at) path.line_to(panel_.at(p));
-            if (s.closed) path.close();
-        }
-        if (part.is_surface) c_.fill(path, {0.25, 0.45, 0.68, 0.10});
-        if (!path.is_empty()) c_.stroke(path, {ink_of(part.role), width_of(part.role)});
-        std::vector<spot> dots;
-        for (spot const& p : part.dots) dots.push_back(panel_.at(p));
-        double const size = part.role == scene_role::feature ? 1.7 : 2.4;
-        if (!dots.empty()) c_.dots(dots, dots.size() > 500 ? 0.8 : size, ink_of(part.role));
-    }
-
-    // Where a label has its place beside a part: different ones for parts that may lie on each other.
-    void draw_label(scene_part const& part, std::size_t place) {
-        if (part.label.empty() || (part.dots.empty() && part.strokes.empty())) return;
-        spot at, way;
-        if (part.strokes.empty()) {
-            at = panel_.at(part.dots.front());
-        } else {
-            scene_part::stroke const& s = part.strokes.front();
-            std::size_t const n = s.at.size();
-            double const share = std::fmod(0.12 + 0.19 * static_cast<double>(place), 1.0);
-            if (n == 2) {
-                double const t = part.role == scene_role::feature ? 0.15 : 0.5;
-                at = panel_.at((1 - t) * s.at[0] + t * s.at[1]);
-                spot const along = panel_.at(s.at[1]) - panel_.at(s.at[0]);
-                way = {along.y, -along.x};
-            } else {
-                std::size_t const i =
-                    s.closed ? static_cast<std::size_t>(share * static_cast<double>(n)) : n / 2;
-                spot middle;
-                for (spot const& p : s.at) middle = middle + (1.0 / static_cast<double>(n)) * p;
-                at = panel_.at(s.at[i]);
-                way = at - panel_.at(middle);
-            }
-        }
-        labels_.place(
-            at, way, part.label,
-            {.size = 9, .ink = ink_of(part.role), .bold = part.role == scene_role::chosen, .halo = true});
-    }
-
-    canvas& c_;
-    construct_scene const& scene_;
-    plot_panel const& panel_;
-    label_placer labels_;
-};
-
 }  // namespace
 
 construct_scene scene_of(construct_result const& result, std::optional<transform> const& view) {
-    bool const has_bodies = std::any_of(result.features.begin(), result.features.end(),
-                                        [](construct_feature const& f) { return is_body(f.kind); });
-    transform turn;
-    if (view) {
-        turn = *view;
-    } else if (has_bodies) {
-        turn = oblique();
-    }
+    transform const turn = view ? *view : has_depth(result) ? oblique() : transform();
     construct_scene scene;
     scene.is_tilted = !turn.is_trivial() && !turn.is_identity();
     std::vector<seen_record> all = see_all(result, scene.is_tilted ? turn : transform());
@@ -267,16 +189,14 @@ construct_scene scene_of(construct_result const& result, std::optional<transform
     if (!places.empty()) scene.origin = {places.front().x(), places.front().y()};
     for (seen_record const& seen : all) {
         scene.parts.push_back(part_of(seen, scene.origin));
-        for (scene_part::stroke const& s : scene.parts.back().strokes) {
-            for (spot const& p : s.at) scene.extent.include(p);
+        for (auto const* const strokes : {&scene.parts.back().strokes, &scene.parts.back().hidden}) {
+            for (scene_part::stroke const& s : *strokes) {
+                for (spot const& p : s.at) scene.extent.include(p);
+            }
         }
         for (spot const& p : scene.parts.back().dots) scene.extent.include(p);
     }
     return scene;
-}
-
-void draw_scene(canvas& c, construct_scene const& scene, plot_panel const& panel) {
-    scene_drawer(c, scene, panel).draw();
 }
 
 }  // namespace tvmath

@@ -23,8 +23,9 @@ struct scene_part {
     std::string label;        ///< A, B, C of features, 1, 2, ... of answers; empty for none
     bool is_surface = false;  ///< Its strokes are the border of a plane.
     std::vector<stroke> strokes;
+    std::vector<stroke> hidden;  ///< what is not there but counts: the rest of an arc
     std::vector<spot> dots;
-    std::optional<spot> along;  ///< of an infinite line, through the first stroke
+    std::optional<spot> along;  ///< of a line that goes on beyond its stroke
 };
 
 /// A construction as it is drawn: features first, the chosen answer last. Places count from `origin`.

@@ -54,7 +54,7 @@ void add_distances(std::vector<construct_row>& rows);
 void add_intersections(std::vector<construct_row>& rows);
 void add_tangents(std::vector<construct_row>& rows);
 
-// Answers of single shapes and of lists; none where a shape is trivial.
+// Answers of single shapes; none where a shape is trivial.
 construct_answers answers_of(point const& p);
 construct_answers answers_of(line const& l);
 construct_answers answers_of(circle const& c);
@@ -62,15 +62,6 @@ construct_answers answers_of(ellipse const& e);
 inline construct_answers answers_of(construct_answers made) {
     return made;
 }
-template <class shape>
-construct_answers answers_of(idioms::array<shape> const& list) {
-    construct_answers all;
-    for (unsigned int i = 0; i < list.capacity(); ++i) {
-        for (auto const& record : answers_of(list[i]).records) all.records.push_back(record);
-    }
-    return all;
-}
-
 /// The answers of a construction that fills a list of records and returns its memory.
 template <class kind, class function>
 construct_answers remembered(function construct) {
