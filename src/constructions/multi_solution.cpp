@@ -1,9 +1,7 @@
 #include "tvmath/multi_solution.h"
 
-#include <memory>
-#include <tuple>
+#include <algorithm>
 
-#include "persistence/token_reader.h"
 #include "tvmath/construction_choice.h"
 
 inline namespace tvmath {
@@ -70,7 +68,8 @@ wide_string to_ascii(idioms::ref<multi_solution> const& solution) {
 }
 
 idioms::ref<multi_solution> to_multi_solution(unsigned short const* text) {
-    wide_string_view const whole = token_reader::whole(text);
+    if (!text) return {};
+    wide_string_view const whole(text);
     std::size_t const start = std::min(whole.find_first_not_of(' '), whole.size());
     std::size_t const end = std::min(whole.find(' ', start), whole.size());
     std::size_t const rest = std::min(whole.find_first_not_of(' ', end), whole.size());
