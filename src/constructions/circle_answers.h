@@ -31,6 +31,18 @@ struct flat_line {
     double height_at(xy const& p) const { return height + rise * dot(p - at, u); }
 };
 
+/// The place at the given distances, positive on the left, from two lines; from `start`, which need not be
+/// near. The second step leaves errors of the size of the rounding of the place itself, also where the lines
+/// are nearly parallel and meet far away.
+inline xy place_beside(flat_line const& a, double da, flat_line const& b, double db, xy const& start) {
+    double const sine = cross(a.u, b.u);
+    xy at = start;
+    for (int step = 0; step < 2; ++step) {
+        at = at + ((da - a.distance(at)) / sine) * b.u - ((db - b.distance(at)) / sine) * a.u;
+    }
+    return at;
+}
+
 /// Below this sine of their angle two lines are parallel, as for `point_intersect`: beyond, where they meet
 /// is a matter of rounding.
 inline constexpr double parallel_sine = 3e-8;
@@ -46,21 +58,19 @@ public:
     /// `solid`: whether the circles are 3D. Centres are relative to `origin`.
     circle_answers(bool solid, xyz const& origin) : solid_(solid), origin_(origin.x, origin.y, 0) {}
 
-    void add(double radius, xy const& at, double height) {
-        xyz const center = origin_ + xyz(at.x, at.y, height);
-        if (!center.is_finite() || !std::isfinite(radius) || !(radius > 0)) return;
-        found_.push_back(circle(radius, center.location(solid_)));
-    }
+    /// Nothing for a radius of 0 and for numbers that are not finite.
+    void add(double radius, xy const& at, double height);
 
     /// Fills the list of the caller and returns the memory of the choice.
     template <class memory>
     idioms::ref<multi_solution> remembered(std::vector<Circle_Description>& circles) const {
-        circles.resize(found_.size());
-        for (std::size_t i = 0; i < found_.size(); ++i) circles[i].geometry = found_[i];
+        fill(circles);
         return idioms::ref<multi_solution>(new memory(found_));
     }
 
 private:
+    void fill(std::vector<Circle_Description>& circles) const;
+
     bool solid_;
     xyz origin_;
     std::vector<circle> found_;

@@ -23,8 +23,6 @@ double mean_height(flat_line const& a, flat_line const& b, xy const& center) {
     return (a.height_at(center) + b.height_at(center)) / 2;
 }
 
-// With the sides s and t of the lines, +1 on the left, the centre is at s r from the first line and at t r
-// from the second: vertex + (r / sine) (s v - t u), whose last vector lies along a bisector.
 void circles_of_radius(flat_line const& a, flat_line const& b, double r, double noise,
                        circle_answers& answers) {
     double const sine = cross(a.u, b.u);
@@ -37,10 +35,9 @@ void circles_of_radius(flat_line const& a, flat_line const& b, double r, double 
         }
         return;
     }
-    xy const vertex = a.at + (cross(apart, b.u) / sine) * a.u;
-    for (double const s : {1.0, -1.0}) {
-        for (double const t : {1.0, -1.0}) {
-            xy const center = vertex + (r / sine) * (s * b.u - t * a.u);
+    for (double const s : {r, -r}) {
+        for (double const t : {r, -r}) {
+            xy const center = place_beside(a, s, b, t, a.at);
             answers.add(r, center, mean_height(a, b, center));
         }
     }
@@ -50,9 +47,9 @@ void circles_of_radius(flat_line const& a, flat_line const& b, double r, double 
 // lines. With q d = u - s t v, of which d is the unit vector along the bisector, in the sense of u, and q' =
 // |u + s t v|, |centre - p| = r is a quadratic in r whose discriminant is a product:
 //     r = 2 (da + db -+ q' g) / q²,  g² = da db,
-// and from p the centre is at x along d and at y to its left, where k is the sign of the
-// sine of (u, v),
+// and from p the centre is at x along d and at y to its left, where k is the sign of the sine of (u, v),
 //     x = (-k t q' (da + db) +- 4 g) / q²,  y = s (db - da) / q.
+// The nearer root, where these differences cancel, comes from the product of both.
 // Nothing there divides by the sine, so that the sector between parallel lines, where q' is 0, is no special
 // case. The sector outside parallel lines, where q is 0, has no circle.
 struct sector {
@@ -63,14 +60,19 @@ struct sector {
         xy const along = a.u - s * t * b.u, across = a.u + s * t * b.u;
         double const q = std::hypot(along.x, along.y), q2 = std::hypot(across.x, across.y);
         if (q < parallel_sine) return;
-        xy const d = (1 / q) * along, left = xy(-d.y, d.x);
+        // Across the other bisector when that one is the longer vector and so has the better direction.
+        xy const turned = (cross(across, along) < 0 ? -1 : 1) / q2 * xy(-across.y, across.x);
+        xy const d = q < q2 ? turned : (1 / q) * along, left = xy(-d.y, d.x);
         double const g = std::sqrt(da) * std::sqrt(db), sum = da + db;
         double const outward = cross(a.u, b.u) < 0 ? t : -t;  // whether d points away from the vertex
         for (double const sense : {-1.0, 1.0}) {
-            // The smaller root by the product of both, without cancellation.
             double const gap = (da - db) / q, larger = sum + q2 * g;
-            double const r = sense == outward ? 2 * larger / (q * q) : 2 * (gap * gap + da * db) / larger;
-            xy const center = ((outward * q2 * sum + sense * 4 * g) / (q * q)) * d - (s * gap) * left;
+            double r = 2 * larger / (q * q), x = (q2 * sum + 4 * g) / (q * q);
+            if (sense != outward) {
+                r = 2 * (gap * gap + da * db) / larger;
+                x = (q2 * gap * q2 * gap - 4 * da * db) / (q2 * sum + 4 * g);
+            }
+            xy const center = (outward * x) * d - (s * gap) * left;
             answers.add(r, center, (a.height_at(center) + b.height_at(center) + height) / 3);
             if (g == 0) return;  // on one of the lines both are the same
         }

@@ -16,35 +16,31 @@ double length(xy const& a) {
     return std::hypot(a.x, a.y);
 }
 
-// The circles that touch three lines. Where line i has the unit direction u_i, the point a_i and the circle
-// on its side s_i, its distance from the centre c is u_i x (c - a_i) = s_i r. The sines S_i = u_j x u_k (i,
-// j, k cyclic) weigh the three so that c drops out:
-//     r = -N / (s_1 S_1 + s_2 S_2 + s_3 S_3),  N = sum of S_i (u_i x a_i),
-// the same N for all four choices of sides. The divisor, s_1 s_2 s_3 times the cross product of the
-// differences of s_i u_i, is twice the area of a triangle in the unit circle, that is half of the product of
-// its sides: these differences, unlike the sum, keep their digits when lines are nearly parallel.
+// The circles that touch three lines. Where line i has the unit direction u_i and the circle, of radius r, on
+// its side s_i, the distance d_i of the centre from it is s_i r. The sines S_i = u_j x u_k (i, j, k cyclic)
+// weigh the distances of any place so that it drops out of their sum. So, of a place at the right distances
+// from two of the lines,
+//     S_i (d_i - s_i r) = (s_1 S_1 + s_2 S_2 + s_3 S_3) dr
+// with what is missing from the radius. The divisor, s_1 s_2 s_3 times the cross product of the differences
+// of s_i u_i, is twice the area of a triangle in the unit circle, that is half of the product of its sides:
+// these differences, unlike the sum, keep their digits when lines are nearly parallel.
 class triangle {
 public:
     explicit triangle(three_lines const& lines) : lines_(lines) {
         for (std::size_t i = 0; i < 3; ++i) {
-            flat_line const &j = lines[(i + 1) % 3], &k = lines[(i + 2) % 3];
-            sines_[i] = cross(j.u, k.u);
-            moment_ += sines_[i] * cross(lines[i].u, lines[i].at);
-            if (std::fabs(sines_[i]) > std::fabs(sines_[widest_])) widest_ = i;
+            sines_[i] = cross(lines[(i + 1) % 3].u, lines[(i + 2) % 3].u);
+            if (std::fabs(sines_[i]) > std::fabs(sines_[third_])) third_ = i;
         }
-        // The vertex of the two lines that meet best.
-        flat_line const &j = lines[(widest_ + 1) % 3], &k = lines[(widest_ + 2) % 3];
-        vertex_ = j.at + (cross(k.at - j.at, k.u) / sines_[widest_]) * j.u;
+        first_ = (third_ + 1) % 3;
+        second_ = (third_ + 2) % 3;
+        vertex_ = place_beside(lines[first_], 0, lines[second_], 0, lines[first_].at);
     }
 
     // Whether the lines, with coordinates of size `far`, form a triangle at all.
     bool exists(double far) const {
-        double reach = far + size(vertex_), sines = 0;
-        for (std::size_t i = 0; i < 3; ++i) {
-            reach += size(lines_[i].at);
-            sines += std::fabs(sines_[i]);
-        }
-        return std::fabs(moment_) > rounding_at(reach * sines);
+        double reach = far + size(vertex_);
+        for (flat_line const& l : lines_) reach += size(l.at);
+        return std::fabs(lines_[third_].distance(vertex_)) > rounding_at(reach);
     }
 
     // The sides, up to a common sign, on which the three lines have the inside of the triangle: those that
@@ -68,12 +64,16 @@ public:
         }
         double const a = length(d[0]), b = length(d[1]), c = length(d[2]);
         if (std::min({a, b, c}) < parallel_sine) return {false, {}, 0, s};
-        double const sign = (cross(d[0], d[1]) < 0 ? 1 : -1) * s[0] * s[1] * s[2];
-        double const r = sign * 2 * moment_ / (a * b * c);
-        std::size_t const j = (widest_ + 1) % 3, k = (widest_ + 2) % 3;
-        xy const step = s[j] * lines_[k].u - s[k] * lines_[j].u;
+        double const divisor = (cross(d[0], d[1]) < 0 ? -0.5 : 0.5) * s[0] * s[1] * s[2] * a * b * c;
+        double r = 0;
+        xy at = vertex_;
+        for (int step = 0; step < 2;
+             ++step) {  // the second one removes what the first has left of its rounding
+            r += sines_[third_] * (lines_[third_].distance(at) - s[third_] * r) / divisor;
+            at = place_beside(lines_[first_], s[first_] * r, lines_[second_], s[second_] * r, at);
+        }
         if (r < 0) s = {-s[0], -s[1], -s[2]};
-        return {true, vertex_ + (r / sines_[widest_]) * step, std::fabs(r), s};
+        return {true, at, std::fabs(r), s};
     }
 
     // The line that crosses two parallel ones, or 3.
@@ -87,8 +87,7 @@ public:
 private:
     three_lines const& lines_;
     three_signs sines_{};
-    double moment_ = 0;
-    std::size_t widest_ = 0;
+    std::size_t first_ = 0, second_ = 0, third_ = 0;  // the first two meet at the largest angle
     xy vertex_;
 };
 

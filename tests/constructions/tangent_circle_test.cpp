@@ -198,7 +198,7 @@ void expect_tangent(std::function<circles(line, line, line, point)> const& const
             point const tilt = f.random.log_uniform(1e-6, 1) * (f.place() - at(0, 0));
             l[1] = line(l[0].basis(0) - l[0].basis(1) + tilt, l[0].basis(0) + l[0].basis(1) - tilt);
         }
-        transform const away = transform::translation(far, -far);
+        transform const away = transform::translation(at(far, -far));
         for (line& a : l) a *= away;
         point const p = f.place() * away;
         circles const found = construct(l[0], l[1], l[2], p);
@@ -209,9 +209,11 @@ void expect_tangent(std::function<circles(line, line, line, point)> const& const
             for (int i = 0; i < 3; ++i) size += distance2d(center_of(c), l[i].basis(0));
             for (int i = 0; i < lines; ++i)
                 EXPECT_LE(std::fabs(off_line(l[i], center_of(c)) - r), 1e-14 * size);
-            if (lines == 2 && count == 2) EXPECT_LE(std::fabs(distance2d(center_of(c), p) - r), 1e-14 * size);
+            if (lines == 2 && count == 2) {
+                EXPECT_LE(std::fabs(distance2d(center_of(c), p) - r), 1e-14 * size);
+            }
             auto const equal = std::count_if(found.begin(), found.end(), [&](auto const& d) {
-                return same_circles({c}, {d}, true, 0, 1e-9);
+                return same_circles({c}, {d}, true, 0, 1e-12);
             });
             EXPECT_EQ(equal, 1);
         }
@@ -304,7 +306,7 @@ TEST(TangentCircle, OfRandomEllipsesAreAllThatTouch) {
         }
         int count = counted(a, b, r, 1e-9 * f.scale, 100);
         if (count != static_cast<int>(found.size())) count = counted(a, b, r, 1e-9 * f.scale, 4000);
-        if (count >= 0) EXPECT_EQ(found.size(), static_cast<std::size_t>(count));
+        EXPECT_TRUE(count < 0 || found.size() == static_cast<std::size_t>(count));
         double const size = 20 * f.scale;
         EXPECT_TRUE(same_circles(found, by_value(b, a, r), false, size, 1e-9));
         EXPECT_TRUE(same_circles(found, by_value(a, b, r * (1 + 1e-11)), true, size, 1e-6));
