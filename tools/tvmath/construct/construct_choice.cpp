@@ -19,9 +19,11 @@ bool read_text(std::string const& file, std::string& text, std::string& reason) 
         reason = error_text(file, error);
         return false;
     }
-    text.resize(largest_choice + 1);
-    in.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(in.gcount()));
+    std::string block(std::size_t{1} << 12, '\0');
+    while (text.size() <= largest_choice &&
+           (in.read(block.data(), static_cast<std::streamsize>(block.size())), in.gcount() > 0)) {
+        text.append(block, 0, static_cast<std::size_t>(in.gcount()));
+    }
     if (text.size() > largest_choice) reason = shown_name(file) + ": is larger than 16 MiB";
     return reason.empty();
 }
@@ -69,7 +71,7 @@ exit_status follow(old_choice const& old, multi_solution& memory, construct_resu
     if (!before || key_of(old.text) != key) {
         reason = old.file + ": " +
                  (!before ? "is not the memory of a choice" : "is the memory of another construction") +
-                 "; that of this one begins with (" + key;
+                 "; that of this one begins with " + key;
         return exit_status::unreadable_input;
     }
     unsigned int place = 0;

@@ -1,5 +1,6 @@
 #include "construct/construct_command.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <ostream>
 #include <sstream>
@@ -59,6 +60,8 @@ bool check(construct_request const& request, std::optional<transform>& view, std
             is_sheet ? "construct sheet needs -o PICTURE" : "-o goes with construct sheet; --plot draws this";
     } else if (is_sheet && !request.features.empty()) {
         reason = "construct sheet takes no features";
+    } else if (std::count(request.features.begin(), request.features.end(), "-") > 1) {
+        reason = "standard input (-) can be read only once";
     } else if (!request.choose.empty() && !request.update.empty()) {
         reason = "--choose and --update both choose; give one of them";
     }

@@ -75,7 +75,9 @@ exit_status find_row(construct_request const& request, operation what, construct
     auto const kinds = kinds_of(result.features);
     auto const rows = rows_for(what, kinds, !request.radius.empty());
     if (rows.empty()) {
-        reason = request.what + ": nothing is known for " + pair_name(kinds, !request.radius.empty()) +
+        reason = request.what +
+                 (kinds.size() < 2 ? " takes two features at least"
+                                   : ": nothing is known for " + pair_name(kinds, !request.radius.empty())) +
                  "; known are " + known_pairs(what, kinds);
         return exit_status::wrong_usage;
     }

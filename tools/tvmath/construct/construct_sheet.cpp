@@ -130,7 +130,7 @@ void draw_frame(canvas& c, spot corner) {
     c.stroke(frame, {grid_ink, 0.8});
 }
 
-void draw_cell(canvas& c, sample const& s, spot corner) {
+bool draw_cell(canvas& c, sample const& s, spot corner) {
     draw_frame(c, corner);
     construct_request request;
     request.what = s.what;
@@ -139,29 +139,29 @@ void draw_cell(canvas& c, sample const& s, spot corner) {
     request.radius = s.radius;
     construct_result result;
     std::string reason;
-    if (construct(request, result, reason) != exit_status::done) {
-        c.text(corner + spot{8, 14}, reason, {.size = 7, .ink = above_ink});
-        return;
-    }
+    if (construct(request, result, reason) != exit_status::done) return false;
     c.text(corner + spot{8, 14}, title_of(result), {.size = 8.5, .ink = text_ink, .bold = true});
     c.text(corner + spot{8, 25}, remark_of(result, s), {.size = 7.5, .ink = faint_ink});
     construct_scene const scene = scene_of(result, {});
     draw_scene(c, scene,
                panel_for(scene.extent, true, corner + spot{0, title_height}, cell_width,
                          cell_height - title_height));
+    return true;
 }
 
 int rows_of(section const& part) {
     return (static_cast<int>(part.samples.size()) + columns - 1) / columns;
 }
 
-void draw_section(canvas& c, section const& part, double top) {
+bool draw_section(canvas& c, section const& part, double top) {
     c.text({8, top + 20}, part.title, {.size = 12, .ink = text_ink, .bold = true});
     for (std::size_t i = 0; i < part.samples.size(); ++i) {
         int const place = static_cast<int>(i);
-        draw_cell(c, part.samples[i],
-                  {cell_width * (place % columns), top + section_height + cell_height * (place / columns)});
+        spot const corner = {cell_width * (place % columns),
+                             top + section_height + cell_height * (place / columns)};
+        if (!draw_cell(c, part.samples[i], corner)) return false;
     }
+    return true;
 }
 
 }  // namespace
@@ -178,7 +178,7 @@ std::string construct_sheet(std::string const& suffix) {
             {.size = 10, .ink = faint_ink});
     double top = head;
     for (section const& part : sections) {
-        draw_section(*c, part, top);
+        if (!draw_section(*c, part, top)) return {};
         top += section_height + cell_height * rows_of(part);
     }
     return c->finish();
