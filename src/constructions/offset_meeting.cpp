@@ -2,7 +2,6 @@
 #include <cmath>
 #include <utility>
 
-#include "circle_answers.h"
 #include "offset_oval.h"
 
 inline namespace tvmath {
@@ -22,38 +21,17 @@ xy tangent(offset_oval::place const& p) {
 
 }  // namespace
 
-offset_meeting::offset_meeting(offset_oval const& p, offset_oval const& q)
-    : p_(p),
-      q_(q),
-      noise_(rounding_at(p.longer() + std::fabs(p.offset()) + size(p.center()) + q.longer() +
-                         std::fabs(q.offset()) + size(q.center())) /
-             2),
-      steps_left_(most_steps) {
-    std::vector<place> const ends_p = p.arcs(), ends_q = q.arcs();
-    for (std::size_t i = 1; i < ends_p.size(); ++i) {
-        arc const a = arc_between(ends_p[i - 1], ends_p[i]);
-        for (std::size_t j = 1; j < ends_q.size(); ++j) search(a, arc_between(ends_q[j - 1], ends_q[j]));
+offset_meeting::offset_meeting(convex_arcs& p, convex_arcs& q, double noise)
+    : p_(p), q_(q), noise_(noise), steps_left_(most_steps) {
+    for (std::size_t i = 0; i < p.count(); ++i) {
+        for (std::size_t j = 0; j < q.count(); ++j) search(i, j);
     }
-}
-
-// The height of a triangle whose angles at the base add up to `turn` is at most half of the base times
-// tan(turn / 2).
-offset_meeting::arc offset_meeting::arc_between(place const& from, place const& to) {
-    xy const chord = to.at - from.at;
-    double const turn = std::fabs(cross(from.normal, to.normal)) / (1 + dot(from.normal, to.normal));
-    return {from, to, std::hypot(chord.x, chord.y) / 2 * turn};
-}
-
-void offset_meeting::halve(offset_oval const& oval, arc const& a, arc& first, arc& second) {
-    place const middle = oval.between(a.from, a.to);
-    first = arc_between(a.from, middle);
-    second = arc_between(middle, a.to);
 }
 
 // Whether b is on one side of the band about the chord of a.
 bool offset_meeting::lies_beside(arc const& a, arc const& b) const {
     xy const chord = a.to.at - a.from.at;
-    double const n = std::hypot(chord.x, chord.y), reach = n * (a.bulge + b.bulge + noise_);
+    double const n = std::sqrt(dot(chord, chord)), reach = n * (a.bulge + b.bulge + noise_);
     double const from = cross(chord, b.from.at - a.from.at), to = cross(chord, b.to.at - a.from.at);
     return std::min(from, to) > reach || std::max(from, to) < -reach;
 }
@@ -67,35 +45,34 @@ bool offset_meeting::are_apart(arc const& a, arc const& b) const {
            gap(a.from.at.y, a.to.at.y, b.from.at.y, b.to.at.y) || lies_beside(a, b) || lies_beside(b, a);
 }
 
-void offset_meeting::search(arc const& a, arc const& b) {
-    if (steps_left_ <= 0 || are_apart(a, b)) return;
+void offset_meeting::search(std::size_t i, std::size_t j) {
+    if (steps_left_ <= 0 || are_apart(p_[i], q_[j])) return;
     --steps_left_;
-    if (cross_once(a, b)) return;
-    if (std::max(a.bulge, b.bulge) <= noise_) return settle(a, b);
-    arc first, second;
-    if (a.bulge >= b.bulge) {
-        halve(p_, a, first, second);
-        search(first, b);
-        search(second, b);
+    if (cross_once(i, j)) return;
+    double const bulge_p = p_[i].bulge, bulge_q = q_[j].bulge;
+    if (std::max(bulge_p, bulge_q) <= noise_) return settle(i, j);
+    if (bulge_p >= bulge_q) {
+        std::size_t const half = p_.halves(i);
+        search(half, j);
+        search(half + 1, j);
     } else {
-        halve(q_, b, first, second);
-        search(a, first);
-        search(a, second);
+        std::size_t const half = q_.halves(j);
+        search(i, half);
+        search(i, half + 1);
     }
 }
 
 // True when the arcs were seen to meet once or not at all. Their directions vary little enough, and their
 // speeds too, that a first step of Newton's iteration from the middles is wrong by less than its length.
-bool offset_meeting::cross_once(arc const& a, arc const& b) {
+bool offset_meeting::cross_once(std::size_t i, std::size_t j) {
+    arc const &a = p_[i], &b = q_[j];
     auto const is_even = [](arc const& c) {
         double const v = std::fabs(c.from.speed), w = std::fabs(c.to.speed);
         return std::min(v, w) > 0.5 * std::max(v, w);
     };
-    double const turn_a = std::fabs(cross(a.from.normal, a.to.normal)),
-                 turn_b = std::fabs(cross(b.from.normal, b.to.normal));
     double const sine = std::fabs(cross(a.from.normal, b.from.normal));
-    if (!(sine > 4 * (turn_a + turn_b)) || !is_even(a) || !is_even(b)) return false;
-    place p = p_.between(a.from, a.to), q = q_.between(b.from, b.to);
+    if (!(sine > 4 * (a.turn + b.turn)) || !is_even(a) || !is_even(b)) return false;
+    place p = p_.middle(i), q = q_.middle(j);
     double const width_a = angle_between(a.from.k, a.to.k), width_b = angle_between(b.from.k, b.to.k);
     place const middle_p = p, middle_q = q;
     if (!cross_from(p, q, 2 * width_a, 2 * width_b)) return true;
@@ -110,7 +87,7 @@ bool offset_meeting::cross_once(arc const& a, arc const& b) {
 
 bool offset_meeting::meet(place const& p, place const& q) const {
     xy const gap = p.at - q.at;
-    return std::hypot(gap.x, gap.y) <= noise_;
+    return dot(gap, gap) <= noise_ * noise_;
 }
 
 // Newton's iteration for p = q; false when it leaves its reach or does not end where the places are equal. At
@@ -124,8 +101,8 @@ bool offset_meeting::cross_from(place& p, place& q, double reach_p, double reach
         moved_p += dp;
         moved_q += dq;
         if (!(std::fabs(moved_p) <= reach_p && std::fabs(moved_q) <= reach_q)) return meet(p, q);
-        p = p_.beyond(p, dp);
-        q = q_.beyond(q, dq);
+        p = p_.oval().beyond(p, dp);
+        q = q_.oval().beyond(q, dq);
         if (std::fabs(dp * p.speed) + std::fabs(dq * q.speed) <= noise_ / 64) break;
     }
     return meet(p, q);
@@ -147,16 +124,17 @@ bool offset_meeting::touch_from(place& p, place& q, double reach_p, double reach
         moved_p += dp;
         moved_q += dq;
         if (!(std::fabs(moved_p) <= reach_p && std::fabs(moved_q) <= reach_q)) return false;
-        p = p_.beyond(p, dp);
-        q = q_.beyond(q, dq);
+        p = p_.oval().beyond(p, dp);
+        q = q_.oval().beyond(q, dq);
         if (std::fabs(dp * p.speed) + std::fabs(dq * q.speed) <= noise_) return meet(p, q);
     }
     return meet(p, q);
 }
 
 // Both arcs are straight within rounding.
-void offset_meeting::settle(arc const& a, arc const& b) {
-    place const p = p_.between(a.from, a.to), q = q_.between(b.from, b.to);
+void offset_meeting::settle(std::size_t i, std::size_t j) {
+    arc const &a = p_[i], &b = q_[j];
+    place const p = p_.middle(i), q = q_.middle(j);
     double const reach_a = 8 * angle_between(a.from.k, a.to.k), reach_b = 8 * angle_between(b.from.k, b.to.k);
     place p1 = p, q1 = q;
     if (touch_from(p1, q1, reach_a, reach_b)) return hits_.push_back({p1, q1});

@@ -8,9 +8,11 @@
 inline namespace tvmath {
 namespace {
 
+double length(xy const& a) {
+    return std::sqrt(dot(a, a));
+}
 xy unit(xy const& a) {
-    double const n = std::hypot(a.x, a.y);
-    return {a.x / n, a.y / n};
+    return (1 / length(a)) * a;
 }
 
 }  // namespace
@@ -39,7 +41,7 @@ bool offset_oval::is_same(offset_oval const& other, double noise) const {
 
 // With g = |(b cos t, a sin t)|, which is also the speed of the ellipse, its curvature is a b / g³.
 offset_oval::place offset_oval::on(xy const& k) const {
-    double const nx = b_ * k.x, ny = a_ * k.y, g = std::hypot(nx, ny), turn = (a_ / g) * (b_ / g);
+    double const nx = b_ * k.x, ny = a_ * k.y, g = length(xy(nx, ny)), turn = (a_ / g) * (b_ / g);
     xy const normal = (nx / g) * e1_ + (ny / g) * e2_;
     xy const at = center_ + (a_ * k.x) * e1_ + (b_ * k.y) * e2_ + offset_ * normal;
     return {k, at, normal, g + offset_ * turn, turn};
@@ -70,6 +72,33 @@ std::vector<offset_oval::place> offset_oval::arcs() const {
     }
     ends.push_back(ends.front());
     return ends;
+}
+
+std::size_t convex_arcs::count() {
+    if (count_ == 0) {
+        std::vector<place> const ends = oval_.arcs();
+        arcs_.reserve(64);
+        for (std::size_t i = 1; i < ends.size(); ++i) add(ends[i - 1], ends[i]);
+        count_ = arcs_.size();
+    }
+    return count_;
+}
+
+// The height of a triangle whose angles at the base add up to `turn` is at most half of the base times
+// tan(turn / 2).
+void convex_arcs::add(place const& from, place const& to) {
+    double const sine = std::fabs(cross(from.normal, to.normal)), cosine = dot(from.normal, to.normal);
+    arcs_.push_back({from, to, sine, length(to.at - from.at) / 2 * sine / (1 + cosine)});
+}
+
+std::size_t convex_arcs::halves(std::size_t i) {
+    if (arcs_[i].halves == 0) {
+        place const from = arcs_[i].from, center = middle(i), to = arcs_[i].to;
+        arcs_[i].halves = arcs_.size();
+        add(from, center);
+        add(center, to);
+    }
+    return arcs_[i].halves;
 }
 
 }  // namespace tvmath

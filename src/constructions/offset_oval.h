@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "tvmath/ellipse.h"
@@ -48,6 +49,35 @@ private:
     double a_, b_, offset_;
 };
 
+/// The convex arcs of such a curve and, as far as they were asked for, their halves: searches with several
+/// other curves share them.
+class convex_arcs {
+public:
+    using place = offset_oval::place;
+    struct arc {
+        place from, to;
+        double turn;   // sine of what the direction turns by
+        double bulge;  // no point is farther from the chord
+        std::size_t halves = 0;
+    };
+    explicit convex_arcs(offset_oval const& oval) : oval_(oval) {}
+
+    offset_oval const& oval() const { return oval_; }
+    /// Arcs before this one make up the whole curve; they are made by the first call.
+    std::size_t count();
+    arc const& operator[](std::size_t i) const { return arcs_[i]; }
+    /// The first half of arc `i`; the other one is the next. Ends references to arcs.
+    std::size_t halves(std::size_t i);
+    place middle(std::size_t i) const { return oval_.between(arcs_[i].from, arcs_[i].to); }
+
+private:
+    void add(place const& from, place const& to);
+
+    offset_oval oval_;
+    std::vector<arc> arcs_;
+    std::size_t count_ = 0;
+};
+
 /// Every place that two such curves have in common.
 ///
 /// Pairs of convex arcs are halved as long as the triangles of their ends and tangents may overlap. Two arcs
@@ -59,30 +89,25 @@ public:
     struct hit {
         offset_oval::place p, q;
     };
-    offset_meeting(offset_oval const& p, offset_oval const& q);
+    offset_meeting(convex_arcs& p, convex_arcs& q, double noise);
 
     /// A touch can be found from several arcs.
     std::vector<hit> const& hits() const { return hits_; }
 
 private:
     using place = offset_oval::place;
-    struct arc {
-        place from, to;
-        double bulge;  // no point is farther from the chord
-    };
-    static arc arc_between(place const& from, place const& to);
-    static void halve(offset_oval const& oval, arc const& a, arc& first, arc& second);
+    using arc = convex_arcs::arc;
 
     bool are_apart(arc const& a, arc const& b) const;
     bool lies_beside(arc const& a, arc const& b) const;
-    void search(arc const& a, arc const& b);
-    bool cross_once(arc const& a, arc const& b);
+    void search(std::size_t a, std::size_t b);
+    bool cross_once(std::size_t i, std::size_t j);
     bool cross_from(place& p, place& q, double reach_p, double reach_q) const;
-    void settle(arc const& a, arc const& b);
+    void settle(std::size_t i, std::size_t j);
     bool touch_from(place& p, place& q, double reach_p, double reach_q) const;
     bool meet(place const& p, place const& q) const;
 
-    offset_oval const &p_, &q_;
+    convex_arcs &p_, &q_;
     double noise_;
     int steps_left_;
     std::vector<hit> hits_;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -47,10 +48,10 @@ void add_for_circles(offset_oval const& a, offset_oval const& b, double noise, t
     }
 }
 
-void add_for_ellipses(offset_oval const& a, offset_oval const& b, touching_circles& found) {
-    offset_meeting const meeting(a, b);
+void add_for_ellipses(convex_arcs& a, convex_arcs& b, double noise, touching_circles& found) {
+    offset_meeting const meeting(a, b, noise);
     for (offset_meeting::hit const& h : meeting.hits()) {
-        found.push_back({0.5 * (h.p.at + h.q.at), a.foot(h.p), b.foot(h.q), 0});
+        found.push_back({0.5 * (h.p.at + h.q.at), a.oval().foot(h.p), b.oval().foot(h.q), 0});
     }
 }
 
@@ -75,19 +76,22 @@ double height_at(flat_ellipse const& e, xy const& foot, xyz const& origin) {
 // The four pairs of sides, outside first, and within each anticlockwise by the angle on the first ellipse.
 touching_circles all_circles(ellipse const& first, ellipse const& second, xyz const& origin, double r) {
     flat_ellipse const frame(first);
+    auto const sides = [&](ellipse const& e) {
+        return std::array<convex_arcs, 2>{convex_arcs(offset_oval(e, origin, r)),
+                                          convex_arcs(offset_oval(e, origin, -r))};
+    };
+    std::array<convex_arcs, 2> sides_a = sides(first), sides_b = sides(second);
+    offset_oval const &p = sides_a[0].oval(), &q = sides_b[0].oval();
+    double const reach = p.longer() + q.longer() + size(q.center()) + r, noise = rounding_at(reach);
+    if (p.is_same(q, noise)) return {};
     touching_circles found;
-    double reach = 0;
-    for (double const offset_a : {r, -r}) {
-        for (double const offset_b : {r, -r}) {
-            offset_oval const a(first, origin, offset_a), b(second, origin, offset_b);
-            reach = a.longer() + b.longer() + size(b.center()) + r;
-            double const noise = rounding_at(reach);
-            if (a.is_same(b, noise)) return {};
+    for (convex_arcs& a : sides_a) {
+        for (convex_arcs& b : sides_b) {
             std::size_t const begin = found.size();
-            if (a.is_circle() && b.is_circle()) {
-                add_for_circles(a, b, noise, found);
+            if (p.is_circle() && q.is_circle()) {
+                add_for_circles(a.oval(), b.oval(), noise, found);
             } else {
-                add_for_ellipses(a, b, found);
+                add_for_ellipses(a, b, noise, found);
             }
             for (std::size_t i = begin; i < found.size(); ++i) {
                 xy const at = frame.direction(xyz(found[i].foot_a.x, found[i].foot_a.y, 0));

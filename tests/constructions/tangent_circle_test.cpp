@@ -198,6 +198,7 @@ void expect_tangent(std::function<circles(line, line, line, point)> const& const
             point const tilt = f.random.log_uniform(1e-6, 1) * (f.place() - at(0, 0));
             l[1] = line(l[0].basis(0) - l[0].basis(1) + tilt, l[0].basis(0) + l[0].basis(1) - tilt);
         }
+        if (std::fabs(cross2d(l[0].direction(), l[1].direction())) < 1e-7) return;  // those are parallel
         transform const away = transform::translation(at(far, -far));
         for (line& a : l) a *= away;
         point const p = f.place() * away;
@@ -291,7 +292,7 @@ ellipse random_oval(random_features& f) {
 }
 
 TEST(TangentCircle, OfRandomEllipsesAreAllThatTouch) {
-    for_random_features(77, trials / 2, [](random_features f) {
+    for_random_features(77, trials / 5, [](random_features f) {
         f.solid = false;
         ellipse const a = random_oval(f), b = random_oval(f);
         double const r = f.scale * f.random.log_uniform(0.3, 30);
@@ -299,7 +300,7 @@ TEST(TangentCircle, OfRandomEllipsesAreAllThatTouch) {
         for (Circle_Description const& c : found) {
             for (ellipse const& e : {a, b}) {
                 double miss = infinity;
-                for (double const d : normal_distances(e, center_of(c), 2000))
+                for (double const d : normal_distances(e, center_of(c), 500))
                     miss = std::min(miss, std::fabs(d - r));
                 EXPECT_LE(miss, 1e-13 * (40 * f.scale + r));
             }
