@@ -38,7 +38,9 @@ char const* const examples =
     "  tvmath convert profile.csv profile.hex --method 3\n"
     "                                              measured points in a quarter of the bytes\n"
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
-    "                                              an ellipse, its parallel and their bounding rectangles\n";
+    "                                              an ellipse, its parallel and their bounding rectangles\n"
+    "  tvmath construct tangent 'circle 2 0 0' 'circle 1 5 0' --choose 2 --plot tangents.svg\n"
+    "                                              the second of the common tangents, and a picture of all\n";
 
 // Sets the examples before the description of each help, but not into the list of commands.
 class examples_first : public CLI::Formatter {
@@ -271,8 +273,10 @@ std::vector<std::string> words_of(int argc, char** argv) {
 }
 
 exit_status run(int argc, char** argv) {
-    CLI::App app("Fits geometric features and zones to measured points, draws shapes, and converts both.",
-                 "tvmath");
+    CLI::App app(
+        "Fits geometric features and zones to measured points, constructs features from others, draws "
+        "shapes, and converts all of them.",
+        "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
     app.formatter(std::make_shared<examples_first>());  // handed down to the commands

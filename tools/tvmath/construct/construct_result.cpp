@@ -132,6 +132,9 @@ void flatten(Geometry_Description& record) {
 // The length of a distance comes first, under the name of what it is.
 std::vector<figure> figures_for(operation what, Geometry_Description const& record) {
     std::vector<figure> figures = figures_of(record);
+    for (figure& f : figures) {
+        for (double& x : f.values) x += 0.0;  // -0.0 becomes 0.0
+    }
     if (what != operation::nearest && what != operation::farthest) return figures;
     auto const length =
         std::find_if(figures.begin(), figures.end(), [](figure const& f) { return f.label == "length"; });
