@@ -106,7 +106,7 @@ TEST(ConstructCommand, ReportsEveryAnswerAndMarksTheChosenOne) {
     request.json = false;
     request.choose = "2";
     EXPECT_EQ(run(request).out,
-              "intersect  line -9 4 9 4  circle 5 0 0\n  in XY\n"
+              "intersect  line -9 4 9 4  circle 5 0 0\n"
               "answer 1 of 2, point\n  center x  -3.0\n  center y   4.0\n"
               "answer 2 of 2, point, chosen\n  center x  3.0\n  center y  4.0\n");
 }

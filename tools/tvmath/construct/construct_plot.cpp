@@ -32,8 +32,7 @@ void draw_title(canvas& c, construct_result const& result, construct_scene const
     std::string words =
         n == 1 ? "one answer"
                : std::to_string(n) + " answers, number " + std::to_string(result.chosen + 1) + " is chosen";
-    if (std::string const form = form_words(result.row->form); !form.empty())
-        words = form + "  \u00b7  " + words;
+    if (std::string const form = form_words(result); !form.empty()) words = form + "  \u00b7  " + words;
     if (scene.is_tilted) words += "  \u00b7  seen obliquely";
     c.text({28, 51}, words, small);
 }

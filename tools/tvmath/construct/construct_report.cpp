@@ -13,7 +13,7 @@ void write_text(std::ostream& out, construct_result const& result) {
     out << operation_name(result.row->what);
     for (construct_feature const& f : result.features) out << "  " << f.words;
     out << '\n';
-    std::string const words = form_words(result.row->form);
+    std::string const words = form_words(result);
     if (!words.empty()) out << "  " << words << '\n';
     std::size_t const n = result.answers.size();
     for (std::size_t i = 0; i < n; ++i) {

@@ -22,7 +22,7 @@ struct operation_row {
 operation_row const operations[] = {
     {"nearest", operation::nearest, "there is no such distance"},
     {"farthest", operation::farthest, "there is no such distance"},
-    {"intersect", operation::intersect, "they do not meet"},
+    {"intersect", operation::intersect, "there is no intersection"},
     {"tangent", operation::tangent, "there is no such tangent"},
     {"bisect", operation::bisect, "there is no bisector"},
     {"angle", operation::angle, "lines that are parallel or have no direction make no angle"},
@@ -118,6 +118,11 @@ void flatten_shape(Geometry_Description& record, int axes) {
     if (known && is_flat(known->geometry, axes)) known->geometry.project2d();
 }
 
+bool is_flat(std::vector<construct_feature> const& features) {
+    return std::none_of(features.begin(), features.end(),
+                        [](construct_feature const& f) { return f.in_space; });
+}
+
 // Constructions give many answers in space; those of flat features have a z of 0, which says nothing.
 void flatten(Geometry_Description& record) {
     auto* const place = dynamic_cast<Point_Description*>(&record);
@@ -151,10 +156,8 @@ bool is_finite(std::vector<figure> const& figures) {
 }
 
 exit_status take_answers(construct_answers const& made, construct_result& result, std::string& reason) {
-    bool const all_flat = std::none_of(result.features.begin(), result.features.end(),
-                                       [](construct_feature const& f) { return f.in_space; });
     for (auto const& record : made.records) {
-        if (all_flat) flatten(*record);
+        if (is_flat(result.features)) flatten(*record);
         result.answers.push_back({record, figures_for(result.row->what, *record)});
         if (!is_finite(result.answers.back().figures)) {
             reason = "an answer is not finite";
@@ -188,9 +191,11 @@ char const* operation_name(operation what) {
     return row_of(what).name;
 }
 
-std::string form_words(construct_form form) {
+std::string form_words(construct_result const& result) {
     static char const* const words[] = {"", "in XY", "in space", "as a circle", "as an ellipse"};
-    return words[static_cast<int>(form)];
+    construct_form const form = result.row->form;
+    bool const is_measure = form == construct_form::xy || form == construct_form::space;
+    return is_measure && is_flat(result.features) ? "" : words[static_cast<int>(form)];
 }
 
 exit_status construct(construct_request const& request, construct_result& result, std::string& reason) {

@@ -30,8 +30,8 @@ struct construct_result {
 /// The words of an operation: "nearest", "farthest", ...
 char const* operation_name(operation what);
 
-/// What the answers are: "in XY", "as a circle"; empty where nothing has to be said.
-std::string form_words(construct_form form);
+/// What the answers are: "in XY", "as a circle"; empty where nothing has to be said, as for flat features.
+std::string form_words(construct_result const& result);
 
 /// What the operation takes, in words, with at least one of these kinds; with none of them that it takes,
 /// all.

@@ -98,15 +98,18 @@ std::vector<point> places_of(std::vector<seen_record> const& all) {
     return places;
 }
 
-// Whether something would be hidden from a view along Z.
+// Bodies hide things from a view along Z, and so do features at different heights; not by the noise of
+// measured points.
 bool has_depth(construct_result const& result) {
     for (construct_feature const& f : result.features) {
         if (is_body(f.kind)) return true;
     }
-    std::vector<point> const places = places_of(see_all(result, {}));
-    auto const height = [](point const& p) { return p.is_3d() ? p.z() : 0.0; };
-    return std::any_of(places.begin(), places.end(),
-                       [&](point const& p) { return height(p) != height(places.front()); });
+    view_extent across, heights;
+    for (point const& p : places_of(see_all(result, {}))) {
+        across.include({p.x(), p.y()});
+        heights.include({0, p.is_3d() ? p.z() : 0.0});
+    }
+    return heights.height() > 0.05 * std::max(across.width(), across.height());
 }
 
 // A plane has no border: a square about the foot of the other features, as large as they are, stands for it.

@@ -114,7 +114,7 @@ std::string title_of(construct_result const& result) {
 
 std::string remark_of(construct_result const& result, sample const& s) {
     std::size_t const n = result.answers.size();
-    std::string words = form_words(result.row->form);
+    std::string words = form_words(result);
     if (*s.radius) words = std::string("radius ") + s.radius;
     return words + (words.empty() ? "" : "  \u00b7  ") +
            (n == 1 ? std::string("one answer") : std::to_string(n) + " answers");
