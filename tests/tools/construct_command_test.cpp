@@ -9,7 +9,7 @@
 
 #include "canvas.h"
 #include "command_outcome.h"
-#include "construct/construct_table.h"
+#include "construct/construct_result.h"
 #include "number_text.h"
 #include "record_files.h"
 #include "record_xml.h"
@@ -140,13 +140,11 @@ std::string sample(feature_kind kind, std::size_t place) {
     return {};
 }
 
-char const* const operations[] = {"nearest", "farthest", "intersect", "tangent", "bisect", "angle"};
-
 // Every construction, by every form and in both orders: the same answers, distances from the other end.
 TEST(ConstructCommand, AnswersInBothOrders) {
     std::size_t answered = 0;
     for (construct_row const& row : construct_rows()) {
-        construct_request request = request_of(operations[static_cast<int>(row.what)], {});
+        construct_request request = request_of(operation_name(row.what), {});
         for (std::size_t i = 0; i < row.kinds.size(); ++i)
             request.features.push_back(sample(row.kinds[i], i));
         request.form = form_name(row.form);
@@ -291,6 +289,7 @@ TEST(ConstructCommand, RefusesNonsenseInOneLine) {
         {{.what = "nearest"}, exit_status::wrong_usage},
         {{.what = "nearest", .features = {"line 0 0 1 0", "line 0 1 1 1"}}, exit_status::wrong_usage},
         {{.what = "nearest", .features = {"point 0 0", "slot 2 1"}}, exit_status::wrong_usage},
+        {{.what = "nearest", .features = {"point", "0", "0"}}, exit_status::wrong_usage},
         {{.what = "nearest", .features = {"point 0 0", "point 0\n"}}, exit_status::wrong_usage},
         {{.what = "nearest", .features = {"point 0 0", "point 0 inf"}}, exit_status::wrong_usage},
         {{.what = "nearest", .features = {"point 0 0", "\x1b[2J\n"}}, exit_status::wrong_usage},

@@ -140,7 +140,11 @@ exit_status read_any(std::string const& text, std::string const& form,
     std::string ignored;
     if (type == 0 && (!has_numbers || find_form("", text, found, ignored)))
         return read_from_file(text, form, 0, record, reason);
-    if (words.size() < 2) return read_from_file(text, form, 0, record, reason);
+    if (words.size() == 1) {
+        exit_status const status = make_from_words(words, record, reason);
+        reason += "; a feature is one word, in quotes";
+        return status;
+    }
     std::string const rest = text.substr(text.find(words[1], text.find(words[0]) + words[0].size()));
     if (!has_numbers && form_of_file(rest, form, found, ignored))
         return read_from_file(rest, form, type, record, reason);

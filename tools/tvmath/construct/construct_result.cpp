@@ -96,6 +96,15 @@ exit_status find_row(construct_request const& request, operation what, construct
     return exit_status::wrong_usage;
 }
 
+exit_status read_features(construct_request const& request, std::vector<construct_feature>& features,
+                          std::string& reason) {
+    for (std::string const& words : request.features) {
+        exit_status const status = read_feature(words, request.from, features.emplace_back(), reason);
+        if (status != exit_status::done) return status;
+    }
+    return exit_status::done;
+}
+
 bool read_radius(std::string const& text, double& radius, std::string& reason) {
     if (text.empty()) return true;
     std::string ignored;
@@ -209,28 +218,26 @@ exit_status construct(construct_request const& request, construct_result& result
     }
     if (!read_radius(request.radius, in.radius, reason)) return exit_status::wrong_usage;
     construct_result fresh;
-    for (std::string const& words : request.features) {
-        exit_status const status = read_feature(words, request.from, fresh.features.emplace_back(), reason);
-        if (status != exit_status::done) return status;
-    }
-    exit_status status = find_row(request, op->what, fresh, reason);
+    exit_status status = read_features(request, fresh.features, reason);
+    if (status == exit_status::done) status = find_row(request, op->what, fresh, reason);
+    old_choice old;
+    bool const is_update = !request.update.empty();
+    if (status == exit_status::done && is_update)
+        status = read_old_choice(request.update, op->what, old, reason);
     if (status != exit_status::done) return status;
 
-    old_choice old;
-    if (!request.update.empty()) status = read_old_choice(request.update, op->what, old, reason);
-    if (status != exit_status::done) return status;
     in.features = fresh.features;
-    if (!request.update.empty()) in.reference = &old.angle;
+    if (is_update) in.reference = &old.angle;
     construct_answers const made = fresh.row->make(in);
     bool const remembers = !!made.memory || op->what == operation::angle;
-    if (!remembers && !(request.update.empty() && request.save.empty())) {
+    if (!remembers && (is_update || !request.save.empty())) {
         reason = request.what + " of " + pair_name(fresh.row->kinds, false) +
                  " has one answer at most, so there is no choice to remember";
         return exit_status::wrong_usage;
     }
     status = take_answers(made, fresh, reason);
     if (status == exit_status::done)
-        status = choose(request.choose, request.update.empty() ? nullptr : &old, made.memory, fresh, reason);
+        status = choose(request.choose, is_update ? &old : nullptr, made.memory, fresh, reason);
     if (status == exit_status::done) result = fresh;
     return status;
 }
