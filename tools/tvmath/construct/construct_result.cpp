@@ -43,6 +43,7 @@ std::string pair_name(std::vector<feature_kind> const& kinds, bool takes_radius)
 
 std::vector<feature_kind> kinds_of(std::vector<construct_feature> const& features) {
     std::vector<feature_kind> kinds;
+    kinds.reserve(features.size());
     for (construct_feature const& f : features) kinds.push_back(f.kind);
     return kinds;
 }
