@@ -156,9 +156,8 @@ int rows_of(section const& part) {
 bool draw_section(canvas& c, section const& part, double top) {
     c.text({8, top + 20}, part.title, {.size = 12, .ink = text_ink, .bold = true});
     for (std::size_t i = 0; i < part.samples.size(); ++i) {
-        int const place = static_cast<int>(i);
-        spot const corner = {cell_width * (place % columns),
-                             top + section_height + cell_height * (place / columns)};
+        int const place = static_cast<int>(i), row = place / columns, column = place % columns;
+        spot const corner = {cell_width * column, top + section_height + cell_height * row};
         if (!draw_cell(c, part.samples[i], corner)) return false;
     }
     return true;
