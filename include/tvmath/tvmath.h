@@ -31,6 +31,7 @@
 #include "tvmath/geometry_fitter.h"
 #include "tvmath/geometry_queries.h"
 #include "tvmath/intersection.h"
+#include "tvmath/intersection_choice.h"
 #include "tvmath/iterative_lsf.h"
 #include "tvmath/line.h"
 #include "tvmath/log_format.h"
