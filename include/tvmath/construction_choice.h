@@ -130,8 +130,9 @@ extern template class TVMATH_API solution_list<point>;
 extern template class TVMATH_API solution_list<circle>;
 extern template class TVMATH_API solution_list<line_ends>;
 
-/// "ILC": of the points where a path meets a line, an ellipse or a path. The text holds x and y of each with
-/// 6 significant digits, up to the first point of dimension 0.
+/// "ILC": of the points where a path meets a line, an ellipse or a path. A point that is gone while others
+/// are left passes the choice on to the nearest of them. The text holds x and y of each with 6 significant
+/// digits, up to the first point of dimension 0.
 class TVMATH_API intersect_curve : public solution_list<point> {
 public:
     intersect_curve() = default;

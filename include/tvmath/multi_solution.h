@@ -19,6 +19,9 @@ inline namespace tvmath {
 ///     ref<multi_solution> now = point_intersect(a, b, answers);
 ///     if (now->update_from(saved.address())) now->selected(index);   // the same answer as last time
 ///
+/// Keep the last object whose update succeeded: then an answer that is away for a while is found when it
+/// returns.
+///
 /// Objects are mutable and belong to one thread at a time; a handle ends them at its last release.
 class TVMATH_API multi_solution : public idioms::storage {
 public:

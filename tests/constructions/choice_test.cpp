@@ -169,7 +169,6 @@ TEST(MultiSolution, TakesTheChoiceOver) {
         {"ILC 0 0 0", "ILC 0 3 4 1 0 -1 0 0 1", true, 1},  // the first of three equals
         {"ILC 2 0 0 5 5", "ILC 0 5 5", false, 0},
         {"ILC -1 0 0", "ILC 0 5 5 0 0", false, 0},
-        {"ILC 0 0 0", "ILC 0", false, 0},
         {"ILC 0 0 0", "ILC 0 1.#QNAN 0 7 7", true, 1},
         {"ILC 0 1.#INF 0", "ILC 0 1 1 7 7", false, 0},
         {"ILC 0 0 0", "IEE 0 3 4 0 0", false, 0},
@@ -183,11 +182,9 @@ TEST(MultiSolution, TakesTheChoiceOver) {
         {"IEE 3 0 0 9 0", "IEE 0 0 0", false, 0},
         {"IEE 0 0 0", "IEE 0 1 0 -1 0", true, 0},
         {"CP3 1 ((0 0 1) (5 5 1))", "CP3 0 (() (5 5.5 9) (0 0 0))", true, 1},
-        {"CP3 0 (())", "CP3 0 ((1 1 1))", false, 0},
         // Also a line that runs the other way.
         {"LTM 0 ((0 0) (9 1))", "LTM 0 ((0 0) (9 -1) (9 1.1) (0 0))", true, 1},
         {"LTM 1 ((0 0) (9 1) () ())", "LTM 0 ((0 0) (9 1))", false, 0},
-        {"LTM 0 ((0 0) (9 1))", "LTM 0 (() () () ())", false, 0},
         {"LMM 1 0 0 1 1 2 2 3 3", "LMM 0 5 5 6 6 7 7 8 8", true, 1},
         {"LMM 1 0 0 1 1 2 2 3 3", "LMM 0 5 5 6 6", false, 0},
         // Two circles about one centre are told apart by the radius.
@@ -199,7 +196,6 @@ TEST(MultiSolution, TakesTheChoiceOver) {
         {"ILE 1", "ILE 6", true, 1},
         {"ILE 3", "ILE 8", true, 0},
         {"BLL 0", "BLL 10", true, 1},
-        {"BLL 15", "BLL 14", true, 1},
         {"BLL 0", "ILE 4", false, 0},
     };
     for (auto const& c : cases) {
