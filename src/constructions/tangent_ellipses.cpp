@@ -186,10 +186,13 @@ idioms::array<line> line_tangent(ellipse a, ellipse b, bool& inner) {
     std::vector<common_tangent> const found = pair.tangents();
     idioms::array<line> lines(static_cast<unsigned int>(found.size()));
     line* to = lines.lazycopy_begin();
+    bool between = false;
     for (common_tangent const& tangent : found) {
-        *to++ = pair.line_of(tangent, a.is_3d() || b.is_3d());
-        inner = inner || tangent.side < 0;
+        *to = pair.line_of(tangent, a.is_3d() || b.is_3d());
+        if ((to++)->is_trivial()) return {};
+        between = between || tangent.side < 0;
     }
+    inner = between;
     return lines;
 }
 

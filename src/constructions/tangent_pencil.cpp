@@ -96,6 +96,8 @@ private:
         double const g[] = {g0, product(c[0], c[1]), (ends + 2 * product(c[1], c[1])) / 3,
                             product(c[1], c[2]), g4};
         double const noise = uncertainty(c);
+        // Sizes whose squares overflow tell nothing; NaN would be halved for ever.
+        if (!std::isfinite(noise * 0x1p60)) return true;
         auto const [least, most] = std::minmax_element(std::begin(g), std::end(g));
         if (*least > noise || *most < -noise) return true;
         int changes = 0;

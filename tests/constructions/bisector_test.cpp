@@ -41,6 +41,7 @@ TEST(LineBisect, OfLinesMirrorsOneIntoTheOther) {
             EXPECT_LE(std::fabs(dot(cross(u, v), l.direction())), 1e-15);
         }
         EXPECT_NEAR(dot(first.direction(), second.direction()), 0, 1e-15);
+        EXPECT_GE(cross2d(first.direction(), second.direction()), 0);
         EXPECT_GE(std::fabs(dot(first.direction(), u)), std::sqrt(0.5) - 1e-15);
         EXPECT_GE(dot(first.direction(), u), 0);
         EXPECT_TRUE(line_bisect(a, b) == first);
