@@ -46,8 +46,8 @@ TVMATH_API idioms::ref<multi_solution> circle_tangent_tangent_value(line a, line
 /// that is about to merge may be given as one from 1e-6 on, and any answer that is a touch of the curves of
 /// the centres has half of the digits along it. None for the same ellipse twice, for concentric circles, of
 /// which all circles in the gap touch, and for an ellipse that is seen edge-on. Ellipses that are equal but
-/// for some 1e-9 of their size, and a radius more than some 1e6 times their size, may have answers that are
-/// not found.
+/// for some 1e-6 of their size, and a radius more than some 1e6 times their size, take up to 0.1 s, and then
+/// may have answers that are not found.
 ///
 /// Source: intersection of the parallel curves by halving convex arcs, with the test of T. W. Sederberg, T.
 /// Nishita, Curve intersection using Bezier clipping, CAD 22 (1990) 538-549, and Newton's iteration.

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <utility>
 
+#include "circle_answers.h"
 #include "offset_oval.h"
 
 inline namespace tvmath {
@@ -9,10 +10,15 @@ namespace {
 
 // Ellipses of which large parts are equal but for their last digits have no answer that means anything, and
 // end the search here; others take some hundreds of steps.
-constexpr int most_steps = 1 << 18;
+constexpr int most_steps = 1 << 17;
 
 double angle_between(xy const& a, xy const& b) {
     return std::atan2(cross(a, b), dot(a, b));
+}
+
+double distance(offset_oval::place const& a, offset_oval::place const& b) {
+    xy const gap = b.at - a.at;
+    return std::sqrt(dot(gap, gap));
 }
 
 xy tangent(offset_oval::place const& p) {
@@ -21,11 +27,12 @@ xy tangent(offset_oval::place const& p) {
 
 }  // namespace
 
-offset_meeting::offset_meeting(convex_arcs& p, convex_arcs& q, double noise)
-    : p_(p), q_(q), noise_(noise), steps_left_(most_steps) {
+offset_meeting::offset_meeting(convex_arcs& p, convex_arcs& q, double reach)
+    : p_(p), q_(q), reach_(reach), noise_(rounding_at(reach)), steps_left_(most_steps) {
     for (std::size_t i = 0; i < p.count(); ++i) {
         for (std::size_t j = 0; j < q.count(); ++j) search(i, j);
     }
+    settle_contacts();
 }
 
 // Whether b is on one side of the band about the chord of a.
@@ -50,7 +57,11 @@ void offset_meeting::search(std::size_t i, std::size_t j) {
     --steps_left_;
     if (cross_once(i, j)) return;
     double const bulge_p = p_[i].bulge, bulge_q = q_[j].bulge;
-    if (std::max(bulge_p, bulge_q) <= noise_) return settle(i, j);
+    if (std::max(bulge_p, bulge_q) <= noise_) {
+        place const p = p_.middle(i), q = q_.middle(j);
+        contacts_.push_back({p, q, std::atan2(p.k.y, p.k.x), distance(p_[i].from, p_[i].to)});
+        return;
+    }
     if (bulge_p >= bulge_q) {
         std::size_t const half = p_.halves(i);
         search(half, j);
@@ -86,8 +97,7 @@ bool offset_meeting::cross_once(std::size_t i, std::size_t j) {
 }
 
 bool offset_meeting::meet(place const& p, place const& q) const {
-    xy const gap = p.at - q.at;
-    return dot(gap, gap) <= noise_ * noise_;
+    return distance(p, q) <= noise_;
 }
 
 // Newton's iteration for p = q; false when it leaves its reach or does not end where the places are equal. At
@@ -97,7 +107,15 @@ bool offset_meeting::cross_from(place& p, place& q, double reach_p, double reach
     for (int step = 0; step < 40; ++step) {
         xy const gap = q.at - p.at, along_p = p.speed * tangent(p), along_q = q.speed * tangent(q);
         double const det = cross(along_p, along_q);
-        double const dp = cross(gap, along_q) / det, dq = cross(gap, along_p) / det;
+        double dp = cross(gap, along_q) / det, dq = cross(gap, along_p) / det;
+        // Where one is a point, as at the cusps, the other one goes to it.
+        if (std::fabs(q.speed) <= noise_) {
+            dp = dot(gap, along_p) / dot(along_p, along_p);
+            dq = 0;
+        } else if (std::fabs(p.speed) <= noise_) {
+            dp = 0;
+            dq = -dot(gap, along_q) / dot(along_q, along_q);
+        }
         moved_p += dp;
         moved_q += dq;
         if (!(std::fabs(moved_p) <= reach_p && std::fabs(moved_q) <= reach_q)) return meet(p, q);
@@ -110,8 +128,8 @@ bool offset_meeting::cross_from(place& p, place& q, double reach_p, double reach
 
 // Newton's iteration for the places next to each other, where the tangents are parallel and the gap is along
 // the normal.
-bool offset_meeting::touch_from(place& p, place& q, double reach_p, double reach_q) const {
-    double moved_p = 0, moved_q = 0;
+bool offset_meeting::touch_from(place& p, place& q, double reach) const {
+    xy const start = p.at;
     for (int step = 0; step < 40; ++step) {
         xy const gap = p.at - q.at, t = tangent(p);
         double const cosine = dot(p.normal, q.normal), sine = cross(p.normal, q.normal), ahead = dot(gap, t);
@@ -121,26 +139,42 @@ bool offset_meeting::touch_from(place& p, place& q, double reach_p, double reach
         double const det = sine_p * ahead_q - sine_q * ahead_p;
         double const dp = (sine_q * ahead - sine * ahead_q) / det,
                      dq = (sine * ahead_p - sine_p * ahead) / det;
-        moved_p += dp;
-        moved_q += dq;
-        if (!(std::fabs(moved_p) <= reach_p && std::fabs(moved_q) <= reach_q)) return false;
+        if (!(std::fabs(dp) + std::fabs(dq) <= 1)) return false;
         p = p_.oval().beyond(p, dp);
         q = q_.oval().beyond(q, dq);
-        if (std::fabs(dp * p.speed) + std::fabs(dq * q.speed) <= noise_) return meet(p, q);
+        if (size(p.at - start) > reach) return false;
+        if (std::fabs(dp * p.speed) + std::fabs(dq * q.speed) <= noise_) break;
     }
     return meet(p, q);
 }
 
-// Both arcs are straight within rounding.
-void offset_meeting::settle(std::size_t i, std::size_t j) {
-    arc const &a = p_[i], &b = q_[j];
-    place const p = p_.middle(i), q = q_.middle(j);
-    double const reach_a = 8 * angle_between(a.from.k, a.to.k), reach_b = 8 * angle_between(b.from.k, b.to.k);
-    place p1 = p, q1 = q;
-    if (touch_from(p1, q1, reach_a, reach_b)) return hits_.push_back({p1, q1});
-    p1 = p;
-    q1 = q;
-    if (cross_from(p1, q1, reach_a, reach_b)) hits_.push_back({p1, q1});
+void offset_meeting::settle_contacts() {
+    std::stable_sort(contacts_.begin(), contacts_.end(),
+                     [](contact const& a, contact const& b) { return a.angle < b.angle; });
+    contact const *first = contacts_.data(), *const end = first + contacts_.size();
+    for (contact const* next = first; next != end; ++next) {
+        if (next + 1 == end || distance(next->p, next[1].p) > 2 * (next->width + next[1].width) + noise_) {
+            settle(first, next);
+            first = next + 1;
+        }
+    }
+}
+
+// From the middle of the neighbourhood to its touch, or from its ends to the crossings.
+void offset_meeting::settle(contact const* first, contact const* last) {
+    double const length = distance(first->p, last->p) + 8 * (first->width + last->width);
+    if (length > 0.01 * reach_) return;
+    contact const& middle = first[(last - first) / 2];
+    for (hit const& h : hits_) {
+        if (distance(h.p, middle.p) <= length) return;
+    }
+    place p = middle.p, q = middle.q;
+    if (touch_from(p, q, length)) return hits_.push_back({p, q});
+    for (contact const* c : {first, last}) {
+        p = c->p;
+        q = c->q;
+        if (cross_from(p, q, 1, 1) && distance(p, c->p) <= length) hits_.push_back({p, q});
+    }
 }
 
 }  // namespace tvmath

@@ -82,35 +82,43 @@ private:
 ///
 /// Pairs of convex arcs are halved as long as the triangles of their ends and tangents may overlap. Two arcs
 /// whose directions differ by some times what they turn meet at most once: then Newton's iteration ends the
-/// search, as it does for arcs that are straight within rounding. Such arcs with parallel tangents that are
-/// also equal within rounding touch.
+/// search. Arcs that are straight and equal within rounding are in contact: a neighbourhood of such arcs is
+/// one touch, or two crossings that lie as near to each other, and a long one is a common stretch, which has
+/// no place of its own.
 class offset_meeting {
 public:
     struct hit {
         offset_oval::place p, q;
     };
-    offset_meeting(convex_arcs& p, convex_arcs& q, double noise);
+    /// `reach`: the size of everything, which tells the rounding.
+    offset_meeting(convex_arcs& p, convex_arcs& q, double reach);
 
-    /// A touch can be found from several arcs.
+    /// A place can be found from several arcs.
     std::vector<hit> const& hits() const { return hits_; }
 
 private:
     using place = offset_oval::place;
     using arc = convex_arcs::arc;
+    struct contact {
+        place p, q;
+        double angle, width;  // of the first curve: t, and the length of the arc
+    };
 
     bool are_apart(arc const& a, arc const& b) const;
     bool lies_beside(arc const& a, arc const& b) const;
     void search(std::size_t a, std::size_t b);
     bool cross_once(std::size_t i, std::size_t j);
     bool cross_from(place& p, place& q, double reach_p, double reach_q) const;
-    void settle(std::size_t i, std::size_t j);
-    bool touch_from(place& p, place& q, double reach_p, double reach_q) const;
+    bool touch_from(place& p, place& q, double reach) const;
     bool meet(place const& p, place const& q) const;
+    void settle_contacts();
+    void settle(contact const* first, contact const* last);
 
     convex_arcs &p_, &q_;
-    double noise_;
+    double reach_, noise_;
     int steps_left_;
     std::vector<hit> hits_;
+    std::vector<contact> contacts_;
 };
 
 }  // namespace tvmath

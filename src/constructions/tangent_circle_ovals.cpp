@@ -48,8 +48,8 @@ void add_for_circles(offset_oval const& a, offset_oval const& b, double noise, t
     }
 }
 
-void add_for_ellipses(convex_arcs& a, convex_arcs& b, double noise, touching_circles& found) {
-    offset_meeting const meeting(a, b, noise);
+void add_for_ellipses(convex_arcs& a, convex_arcs& b, double reach, touching_circles& found) {
+    offset_meeting const meeting(a, b, reach);
     for (offset_meeting::hit const& h : meeting.hits()) {
         found.push_back({0.5 * (h.p.at + h.q.at), a.oval().foot(h.p), b.oval().foot(h.q), 0});
     }
@@ -91,7 +91,7 @@ touching_circles all_circles(ellipse const& first, ellipse const& second, xyz co
             if (p.is_circle() && q.is_circle()) {
                 add_for_circles(a.oval(), b.oval(), noise, found);
             } else {
-                add_for_ellipses(a, b, noise, found);
+                add_for_ellipses(a, b, reach, found);
             }
             for (std::size_t i = begin; i < found.size(); ++i) {
                 xy const at = frame.direction(xyz(found[i].foot_a.x, found[i].foot_a.y, 0));

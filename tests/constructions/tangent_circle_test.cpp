@@ -255,11 +255,17 @@ std::vector<double> normal_distances(ellipse const& e, point const& p, int n) {
     return distances;
 }
 
+double touch_miss(ellipse const& e, point const& p, double r, int n) {
+    double miss = infinity;
+    for (double const d : normal_distances(e, p, n)) miss = std::min(miss, std::fabs(d - r));
+    return miss;
+}
+
 // How near r is to one of these distances. The sign is that of the product of all differences, which changes
 // where one of them does, but not where two feet appear or merge.
-double signed_miss(ellipse const& e, point const& p, double r) {
+double signed_miss(ellipse const& e, point const& p, double r, int n) {
     double miss = infinity, sign = 1;
-    for (double const d : normal_distances(e, p, 48)) {
+    for (double const d : normal_distances(e, p, n)) {
         miss = std::min(miss, std::fabs(d - r));
         if (d < r) sign = -sign;
     }
@@ -267,14 +273,14 @@ double signed_miss(ellipse const& e, point const& p, double r) {
 }
 
 // All centres lie at r along a normal of the first ellipse; there the zeros are counted for the second.
-int counted(ellipse const& a, ellipse const& b, double r, double unsure, int n) {
+int counted(ellipse const& a, ellipse const& b, double r, double unsure, int n, int feet) {
     int count = 0;
     for (double const side : {r, -r}) {
         auto const miss = [&](double t) {
             double const angle = full_turn * t + 0.1;
             point const along = std::cos(angle) * a.basis(2) - std::sin(angle) * a.basis(1);
             double const turn = cross2d(a.basis(1), a.basis(2)) > 0 ? -side : side;
-            return signed_miss(b, point_of(a, angle) + turn * normalize(along).rotate_90(), r);
+            return signed_miss(b, point_of(a, angle) + turn * normalize(along).rotate_90(), r, feet);
         };
         int const zeros = sampled_zeros(miss, n, unsure);
         if (zeros < 0) return -1;
@@ -299,14 +305,15 @@ TEST(TangentCircle, OfRandomEllipsesAreAllThatTouch) {
         circles const found = by_value(a, b, r);
         for (Circle_Description const& c : found) {
             for (ellipse const& e : {a, b}) {
-                double miss = infinity;
-                for (double const d : normal_distances(e, center_of(c), 500))
-                    miss = std::min(miss, std::fabs(d - r));
-                EXPECT_LE(miss, 1e-13 * (40 * f.scale + r));
+                double const allowed = 1e-13 * (40 * f.scale + r);
+                double miss = touch_miss(e, center_of(c), r, 200);
+                if (miss > allowed)
+                    miss = touch_miss(e, center_of(c), r, 20000);  // two feet that nearly merge
+                EXPECT_LE(miss, allowed);
             }
         }
-        int count = counted(a, b, r, 1e-9 * f.scale, 100);
-        if (count != static_cast<int>(found.size())) count = counted(a, b, r, 1e-9 * f.scale, 4000);
+        int count = counted(a, b, r, 1e-9 * f.scale, 100, 48);
+        if (count != static_cast<int>(found.size())) count = counted(a, b, r, 1e-9 * f.scale, 4000, 300);
         EXPECT_TRUE(count < 0 || found.size() == static_cast<std::size_t>(count));
         double const size = 20 * f.scale;
         EXPECT_TRUE(same_circles(found, by_value(b, a, r), false, size, 1e-9));
