@@ -17,6 +17,12 @@ bool is_digit(wide_char unit) {
     return unit >= '0' && unit <= '9';
 }
 
+// Whether an item that opens with a bracket is closed as often as it opens: a text that was cut off is not.
+bool is_closed_list(wide_string_view item) {
+    return item.front() == '(' && item.back() == ')' &&
+           std::count(item.begin(), item.end(), '(') == std::count(item.begin(), item.end(), ')');
+}
+
 wide_char const* behind_sign(wide_char const* at, wide_char const* end) {
     return at != end && (*at == '+' || *at == '-') ? at + 1 : at;
 }
@@ -75,13 +81,16 @@ bool read_index_and_numbers(wide_char const* text, unsigned int step, unsigned i
 }
 
 bool read_index_and_points(wide_char const* text, unsigned int& index, std::vector<point>& points) {
-    wide_string_view parts[2];
-    if (!token_reader::split(token_reader::whole(text), parts)) return false;
-    choice_reader reader(parts[0]);
+    token_reader::item_walk items(token_reader::whole(text));
+    if (items.at_end()) return false;
+    choice_reader reader(items.next());
+    if (items.at_end()) return false;
+    wide_string_view const list = items.next();
     unsigned int found = 0;
     if (!reader.take_index(found) || !reader.at_end()) return false;
+    if (!items.at_end() || !is_closed_list(list)) return false;
     index = found;
-    Persistence::read_points(parts[1], points);
+    Persistence::read_points(token_reader::interior(list), points);
     return true;
 }
 

@@ -33,7 +33,7 @@ wide_string number_item(double number);
 /// for any other text.
 bool read_index_and_numbers(wide_char const* text, unsigned int step, unsigned int& index,
                             std::vector<double>& numbers);
-/// Two items, an index and a list of points of which each may be trivial. False as above.
+/// Two items, an index and a whole list of points in brackets, of which each may be trivial. False as above.
 bool read_index_and_points(wide_char const* text, unsigned int& index, std::vector<point>& points);
 
 }  // namespace tvmath

@@ -117,7 +117,9 @@ TEST(MultiSolution, IsReadFromGoodTextAlone) {
                                "LTM 0x ()",
                                "LTM () ()",
                                "CP3 2 ((1 2 3) (4 5 6))",
-                               "CP3 1 ()"};
+                               "CP3 1 ()",
+                               "CP3 0 ((1 2) (3 4)",
+                               "LTM 0 ((1 2) (3 4"};
     for (std::string const text : bad) {
         EXPECT_FALSE(read(text).address()) << text;
         for (example const& c : one_of_each()) {

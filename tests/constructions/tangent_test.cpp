@@ -22,8 +22,8 @@ double off_tangent(line const& l, ellipse const& e, point const& n, double& side
     side = dot(l.basis(0) - e.basis(0), n);
     return std::fabs(std::fabs(side) - reach(e, n));
 }
-point normal_in_xy(line const& l) {
-    return normalize(point(false, -l.basis(1).y(), l.basis(1).x()));
+transform random_motion(random_features& f) {
+    return transform::rotation(f.random.uniform(-3, 3)).translate(f.length(-5, 5), f.length(-5, 5));
 }
 
 void expect_moved(lines const& found, lines const& moved, transform const& t, double tolerance) {
@@ -50,8 +50,7 @@ TEST(LineTangent, FromAPointTouchesTheEllipseAndDoesNotCut) {
             point const across = cross(axis, l.direction());  // short when the point is far above or below
             EXPECT_LE(off_tangent(l, e, normalize(across), side), tolerance / across.length3d());
             // The left one has the ellipse on its right; right-handed seen along the axis, from above in XY.
-            bool const is_left = side > 0;
-            EXPECT_EQ(is_left, (axis.z() > 0) == (i == 0));
+            EXPECT_EQ(side > 0, (axis.z() > 0) == (i == 0));
             if (l.length() < 0.01 * (1 + 1e-9)) {
                 EXPECT_NEAR(l.length(), 0.01, 1e-11);
                 continue;
@@ -59,41 +58,33 @@ TEST(LineTangent, FromAPointTouchesTheEllipseAndDoesNotCut) {
             EXPECT_LE(distance3d(start_of(l), p), tolerance);
             EXPECT_LE(distance3d(point_nearest3d_on(end_of(l), e), end_of(l)), 100 * tolerance);
         }
-        transform turn = transform::rotation(f.random.uniform(-3, 3));
-        turn.translate(f.length(-5, 5), f.length(-5, 5));
-        ellipse moved = e;
-        moved *= turn;
+        transform const turn = random_motion(f);
         // A point so near that its squared distance is rounded moves the tangent points by the root of that.
         double const shift = f.scale * (1e-12 + 1e-13 * out / std::sqrt(out - 1) * 1e3);
-        expect_moved(found, line_tangent(p * turn, moved), turn, shift + 10 * tolerance);
+        expect_moved(found, line_tangent(p * turn, ellipse(e * turn)), turn, shift + 10 * tolerance);
     });
 }
 
 TEST(LineTangent, FromAPointDecidesByTheSquaredDistance) {
-    ellipse const circle2(2, at(0, 0)),
-        oblique(make_transform(at(3, 4), point(false, 2, 1), point(false, 0, 3)));
+    ellipse const circle2(2, at(0, 0));
     struct {
-        char const* name;
-        lines found;
+        point p;
+        ellipse e;
         unsigned int count;
-    } const cases[] = {
-        {"inside", line_tangent(at(1.9, 0), circle2), 0},
-        {"just inside", line_tangent(at(2 * (1 - 0.51e-10), 0), circle2), 0},
-        {"on it, inside", line_tangent(at(2 * (1 - 0.49e-10), 0), circle2), 1},
-        {"on it, outside", line_tangent(at(0, 2 * (1 + 0.49e-10)), circle2), 1},
-        {"just outside", line_tangent(at(0, 2 * (1 + 0.51e-10)), circle2), 2},
-        {"centre", line_tangent(at(3, 4), oblique), 0},
-        {"trivial point", line_tangent(point(), circle2), 0},
-        {"null ellipse", line_tangent(at(3, 4), ellipse()), 0},
-        {"no area", line_tangent(at(3, 4), ellipse(0, at(1, 1))), 0},
-        {"not a number", line_tangent(at(std::nan(""), 4), circle2), 0},
-        {"infinite", line_tangent(at(infinity, 4), circle2), 0},
-    };
-    for (auto const& c : cases) EXPECT_EQ(c.found.capacity(), c.count) << c.name;
-    // By hand: the tangent in the point 2 at angle 90 degrees; from (4, 0) to (1, -+sqrt 3).
-    line const touching = cases[3].found[0];
-    EXPECT_LE(distance2d(touching.basis(0), at(0, 2)), 1e-9);
-    EXPECT_LE(distance2d(touching.basis(1), at(0.005, 0)), 1e-15);
+    } const cases[] = {{at(2 * (1 - 0.51e-10), 0), circle2, 0},
+                       {at(2 * (1 - 0.49e-10), 0), circle2, 1},
+                       {at(2 * (1 + 0.49e-10), 0), circle2, 1},
+                       {at(2 * (1 + 0.51e-10), 0), circle2, 2},
+                       {at(0, 0), circle2, 0},
+                       {at(std::nan(""), 4), circle2, 0},
+                       {at(3, 4), ellipse(0, at(1, 1)), 0},
+                       {at(3, 4), ellipse(), 0},
+                       {point(), circle2, 0}};
+    for (auto const& c : cases) EXPECT_EQ(line_tangent(c.p, c.e).capacity(), c.count) << c.p.x();
+    // By hand: the tangent at the angle 0; from (4, 0) to (1, -+sqrt 3).
+    line const touching = line_tangent(cases[2].p, circle2)[0];
+    EXPECT_LE(distance2d(touching.basis(0), at(2, 0)), 1e-9);
+    EXPECT_LE(distance2d(touching.basis(1), at(0, -0.005)), 1e-15);
     lines const two = line_tangent(at(4, 0), circle2);
     EXPECT_LE(distance2d(end_of(two[0]), at(1, -std::sqrt(3))), 1e-15);
     EXPECT_LE(distance2d(end_of(two[1]), at(1, std::sqrt(3))), 1e-15);
@@ -123,7 +114,7 @@ TEST(LineTangent, OfTwoEllipsesFindsAllThatTouchBoth) {
         double const tolerance = 1e-13 * f.scale;
         int outers = 0, inners = 0;
         for (line const& l : found) {
-            point const n = normal_in_xy(l);
+            point const n = normalize(point(false, -l.basis(1).y(), l.basis(1).x()));
             double side_a = 0, side_b = 0;
             EXPECT_LE(off_tangent(l, a, n, side_a), tolerance);
             EXPECT_LE(off_tangent(l, b, n, side_b), tolerance);
@@ -134,15 +125,11 @@ TEST(LineTangent, OfTwoEllipsesFindsAllThatTouchBoth) {
             EXPECT_NEAR(std::fabs(dot2d(to, n)), reach(b, n), tolerance);
             EXPECT_EQ(l.is_3d(), f.solid);
         }
-        for (int const samples : {500, 20000}) {
-            int const outer = counted(a, b, 1, samples, tolerance);
-            int const between = counted(a, b, -1, samples, tolerance);
-            if (outer < 0 || between < 0) return;
-            if (samples < 1000 && (outer != outers || between != inners)) continue;
-            EXPECT_EQ(outers, outer);
-            EXPECT_EQ(inners, between);
-            break;
-        }
+        int outer = counted(a, b, 1, 500, tolerance), between = counted(a, b, -1, 500, tolerance);
+        if (outer != outers) outer = counted(a, b, 1, 20000, tolerance);  // 500 were too far apart
+        if (outer < 0 || between < 0) return;
+        EXPECT_EQ(outers, outer);
+        EXPECT_EQ(inners, between);
         EXPECT_EQ(inner, inners > 0);
         by_count[found.capacity()] += 1;
 
@@ -156,11 +143,8 @@ TEST(LineTangent, OfTwoEllipsesFindsAllThatTouchBoth) {
             }
             EXPECT_LE(nearest, 1e-7 * f.scale);
         }
-        transform turn = transform::rotation(f.random.uniform(-3, 3));
-        turn.translate(f.length(-5, 5), f.length(-5, 5));
-        ellipse moved_a = a, moved_b = b;
-        expect_moved(found, line_tangent(ellipse(moved_a *= turn), ellipse(moved_b *= turn), inner), turn,
-                     1e-7 * f.scale);
+        transform const turn = random_motion(f);
+        expect_moved(found, line_tangent(ellipse(a * turn), ellipse(b * turn), inner), turn, 1e-7 * f.scale);
     });
     for (int const count : {0, 2, 4}) EXPECT_GT(by_count[count], 50) << count;
 }
@@ -177,16 +161,10 @@ TEST(LineTangent, OfTwoEllipsesKnowsTheSpecialPlaces) {
         {"equal circles side by side", one, circle(1, at(3, 0)), 4, true},
         {"touching outside", one, circle(1, at(2, 0)), 3, true},
         {"touching outside, ellipses", wide, ellipse(1, 2, at(3, 0)), 3, true},
-        {"crossing", one, circle(1, at(1, 1)), 2, false},
-        {"touching inside", one, circle(0.5, at(0, 0.5)), 1, false},
-        {"touching inside at the seam", one, circle(0.5, at(0.5 * std::cos(0.618), 0.5 * std::sin(0.618))), 1,
-         false},
-        {"nested", one, circle(0.5, at(0.1, 0.2)), 0, false},
+        {"touching inside", one, circle(0.5, 0.5 * at(std::cos(0.618), std::sin(0.618))), 1, false},
         {"concentric circles", one, circle(2, at(0, 0)), 0, false},
-        {"the same circle", one, circle(1, at(0, 0)), 0, false},
         {"the same ellipse", wide, ellipse(1, 2, 1.5707963267948966), 0, false},
         {"crossed ellipses", wide, ellipse(1, 2, at(0, 0)), 4, false},
-        {"same axes, inside", wide, ellipse(1.5, 0.5, at(0, 0)), 0, false},
         {"touching at both ends", wide, circle(1, at(0, 0)), 2, false},
         {"touching around both ends", wide, circle(2, at(0, 0)), 2, false},
         {"a long one through a round one", one, ellipse(5, 1e-4, 0.3), 4, false},
@@ -239,11 +217,10 @@ TEST(LineTangent, OfRecordsRunsFromTheFirstToTheSecond) {
         Geometry_Description *a, *b;
         std::size_t count;
         double start_x;  // of the first one, rounded
-    } const cases[] = {{&place, &round, 2, 4},  {&round, &place, 2, 1},  {&arc, &place, 2, 1},
-                       {&place, &arc, 2, 4},    {&oval, &place, 2, -9},  {&place, &oval, 2, 4},
-                       {&arc, &round, 0, 0},    {&oval, &arc, 4, -9},    {&arc, &oval, 4, 0},
-                       {&place, &place, 0, 0},  {&other, &arc, 0, 0},    {nullptr, &arc, 0, 0},
-                       {&place, nullptr, 0, 0}, {nullptr, nullptr, 0, 0}};
+    } const cases[] = {{&place, &round, 2, 4}, {&round, &place, 2, 1}, {&place, &arc, 2, 4},
+                       {&oval, &place, 2, -9}, {&oval, &arc, 4, -9},   {&arc, &oval, 4, 0},
+                       {&arc, &round, 0, 0},   {&place, &place, 0, 0}, {&other, &arc, 0, 0},
+                       {nullptr, &arc, 0, 0},  {&place, nullptr, 0, 0}};
     for (auto const& c : cases) {
         std::vector<Segment_Description> tangents(7);
         idioms::ref<multi_solution> const memory = line_tangent(c.a, c.b, tangents);
