@@ -30,7 +30,7 @@ TVMATH_API wide_string to_ascii(telecentricity_corrector const& c, int precision
 // text raises; time and memory grow linearly with its length.
 
 /// `fallback` for fewer than five items, items behind the fifth being ignored, and where the coefficients
-/// are not those of an even order of 2 or more.
+/// are not as many as an order has.
 TVMATH_API flatness_corrector to_flatness_corrector(unsigned short const* text, flatness_corrector fallback);
 /// `fallback` for fewer than five items, items behind the fifth being ignored, and where the text is no
 /// corrector in use: both rows as long as an order of 1 or more asks for, and sizes that have a scale.

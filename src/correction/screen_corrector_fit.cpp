@@ -14,8 +14,8 @@ class displacement_fit {
 public:
     displacement_fit(screen_corrector const& scales, idioms::array<point> const& measured,
                      idioms::array<point> const& nominal, unsigned int order)
-        : terms_(std::min(order, term_reduction::most_order), 2), points_(measured.capacity()) {
-        if (order > term_reduction::most_order || nominal.capacity() != points_) return;
+        : points_(measured.capacity()), terms_(within_reach(order) ? order : 0, 2) {
+        if (!within_reach(order) || nominal.capacity() != points_) return;
         point const *m = measured.begin(), *n = nominal.begin();
         for (unsigned int i = 0; i < points_; ++i, ++m, ++n) {
             point const e = *n - *m;
@@ -29,15 +29,17 @@ public:
         terms_.finish();
     }
 
+    bool determines(unsigned int order) const { return terms_.determines(order); }
+
     // Standard error; infinite when the order is not determined.
     double residual(unsigned int order) const {
         if (!terms_.determines(order)) return infinity;
-        double squares = terms_.sum_of_squares(order, 0) + terms_.sum_of_squares(order, 1);
+        double const squares = terms_.sum_of_squares(order, 0) + terms_.sum_of_squares(order, 1);
         // Each coordinate is rounded, and so is each that it was computed from: what is not above some of
         // these roundings says nothing. So exact data have the same residual, 0, from their own order on.
         double const rounding = 8 * std::numeric_limits<double>::epsilon() * largest_;
-        if (squares <= 2.0 * points_ * rounding * rounding) squares = 0;
-        return std::sqrt(squares / (points_ - chebyshev::term_count(order)));
+        bool const is_exact = std::sqrt(squares) <= rounding * std::sqrt(2.0 * points_);
+        return std::sqrt((is_exact ? 0.0 : squares) / (points_ - chebyshev::term_count(order)));
     }
 
     matrix coefficients(unsigned int order) const {
@@ -47,8 +49,13 @@ public:
     }
 
 private:
-    term_reduction terms_;
+    // Not with fewer points than terms; that also keeps a huge order from asking for huge memory.
+    bool within_reach(unsigned int order) const {
+        return order <= term_reduction::most_order && chebyshev::term_count(order) <= points_;
+    }
+
     unsigned int points_;
+    term_reduction terms_;
     double largest_ = 0;
 };
 
@@ -86,7 +93,7 @@ void screen_corrector::fit(int order_wanted, idioms::array<point> measured, idio
     if (order == 0) return;
     displacement_fit const one(*this, measured, nominal, order);
     residual = one.residual(order);
-    if (residual != infinity) coefficients = one.coefficients(order);
+    if (one.determines(order)) coefficients = one.coefficients(order);
 }
 
 }  // namespace tvmath
