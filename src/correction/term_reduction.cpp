@@ -90,7 +90,7 @@ void term_reduction::fold_column(std::size_t k) {
 }
 
 bool term_reduction::determines(unsigned int order) const {
-    return chebyshev::term_count(order) <= rank_;
+    return order <= order_ && chebyshev::term_count(order) <= rank_;
 }
 
 double term_reduction::sum_of_squares(unsigned int order, unsigned int side) const {
