@@ -3,8 +3,7 @@
 #include "correction/chebyshev.h"
 #include "correction/text_parts.h"
 #include "persistence/text_items.h"
-#include "tvmath/persistence.h"
-#include "tvmath/screen_corrector.h"
+#include "tvmath/corrector_text.h"
 
 inline namespace tvmath {
 namespace Persistence {
