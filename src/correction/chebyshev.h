@@ -23,11 +23,12 @@ constexpr unsigned int term_count(std::uint32_t order) {
 /// The order that has exactly `terms` terms; -1 when there is none.
 int order_of(unsigned int terms);
 
-/// T(0, t) ... T(order, t), `order` + 1 numbers.
-inline void values(double t, unsigned int order, double* to) {
-    to[0] = 1;
+/// T(0, t) ... T(order, t), `order` + 1 numbers; `real` is double or several at once.
+template <class real>
+void values(real const& t, unsigned int order, real* to) {
+    to[0] = real{} + 1.0;
     if (order > 0) to[1] = t;
-    for (unsigned int k = 2; k <= order; ++k) to[k] = 2 * t * to[k - 1] - to[k - 2];
+    for (unsigned int k = 2; k <= order; ++k) to[k] = 2.0 * t * to[k - 1] - to[k - 2];
 }
 
 /// T'(0, t) ... T'(order, t) from the `values` at t.
@@ -55,21 +56,21 @@ inline double combine(double const* coefficients, double const* x, double const*
 
 /// Room for `parts` lists of `order` + 1 numbers: in the caller's frame for any order that a lens asks for
 /// (31 at most), on the heap above, which only a text or a caller's own fields can ask for.
-template <unsigned int parts>
+template <unsigned int parts, class real = double>
 class scratch {
 public:
     explicit scratch(unsigned int order) : length_(std::size_t{order} + 1) {
-        if (length_ > room_) on_heap_.reset(new double[parts * length_]);
+        if (length_ > room_) on_heap_.reset(new real[parts * length_]);
     }
-    double* operator[](unsigned int part) {
+    real* operator[](unsigned int part) {
         return on_heap_ ? on_heap_.get() + part * length_ : here_ + part * room_;
     }
 
 private:
     static constexpr std::size_t room_ = 32;
     std::size_t length_;
-    std::unique_ptr<double[]> on_heap_;
-    double here_[parts * room_];  // left as it is: clearing it would take longer than the values
+    std::unique_ptr<real[]> on_heap_;
+    real here_[parts * room_];  // left as it is: clearing it would take longer than the values
 };
 
 /// Turns the coefficients of the n + 1 terms T(k, t), k = 0 ... n, into those of the same polynomial in s

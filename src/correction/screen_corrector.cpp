@@ -1,9 +1,11 @@
 #include "tvmath/screen_corrector.h"
 
 #include <cstddef>
+#include <cstring>
 #include <vector>
 
 #include "correction/chebyshev.h"
+#include "geometry/point_lanes.h"
 
 inline namespace tvmath {
 namespace {
@@ -23,24 +25,63 @@ public:
 
     bool is_in_use() const { return dx_ != nullptr; }
 
-    // The products and sums are those of `coefficients` times the term values, in their order, without a list
-    // of the terms.
     point operator()(point const& p) const {
-        chebyshev::scratch<2> room(order_);
-        double *const u = room[0], *const v = room[1];
-        chebyshev::values(p.x() * x_scale_, order_, u);
-        chebyshev::values(p.y() * y_scale_, order_, v);
-        double const *x = dx_, *y = dy_;
         double dx = 0, dy = 0;
-        chebyshev::for_each_term(order_, [&](unsigned int i, unsigned int j) {
-            double const term = u[i] * v[j];
-            dx += *x++ * term;
-            dy += *y++ * term;
-        });
+        add_at(p.x() * x_scale_, p.y() * y_scale_, dx, dy);
         return point(false, dx, dy);
     }
 
+    // Lets `move` carry each point by its displacement, trivial points left out.
+    template <class mover>
+    void carry(curve& path, mover const& move) const {
+        point *p = path.lazycopy_begin(), *const end = p + path.capacity();
+        for (; end - p >= wide; p += wide) {
+            double dx[wide], dy[wide];
+            displace_block(p, dx, dy);
+            for (int i = 0; i < wide; ++i) {
+                if (!p[i].is_trivial()) move(p[i], point(false, dx[i], dy[i]));
+            }
+        }
+        for (; p != end; ++p) {
+            if (!p->is_trivial()) move(*p, (*this)(*p));
+        }
+    }
+
 private:
+    static constexpr int wide = 4;
+    using lanes = double __attribute__((vector_size(wide * sizeof(double))));
+
+    // The products and sums are those of `coefficients` times the term values, in their order, without a list
+    // of the terms; several points at once have the same. In line, to have the registers of the loop around
+    // it.
+    template <class real>
+    [[gnu::always_inline]] inline void add_at(real const& x, real const& y, real& dx, real& dy) const {
+        chebyshev::scratch<2, real> room(order_);
+        real *const u = room[0], *const v = room[1];
+        chebyshev::values(x, order_, u);
+        chebyshev::values(y, order_, v);
+        double const *row_x = dx_, *row_y = dy_;
+        real sum_x = dx, sum_y = dy;
+        chebyshev::for_each_term(order_, [&](unsigned int i, unsigned int j) {
+            real const term = u[i] * v[j];
+            sum_x += *row_x++ * term;
+            sum_y += *row_y++ * term;
+        });
+        dx = sum_x;
+        dy = sum_y;
+    }
+
+    TVMATH_WIDE_LOOP void displace_block(point const* p, double* to_x, double* to_y) const {
+        lanes x, y, dx{}, dy{};
+        for (int i = 0; i < wide; ++i) {
+            x[i] = p[i].x() * x_scale_;
+            y[i] = p[i].y() * y_scale_;
+        }
+        add_at(x, y, dx, dy);
+        std::memcpy(to_x, &dx, sizeof dx);
+        std::memcpy(to_y, &dy, sizeof dy);
+    }
+
     unsigned int order_;
     double x_scale_, y_scale_;
     double const *dx_ = nullptr, *dy_ = nullptr;
@@ -108,19 +149,13 @@ point operator/(point p, screen_corrector const& c) {
 
 curve operator*(curve path, screen_corrector const& c) {
     displacement_field const field(c);
-    if (!field.is_in_use() || path.is_trivial()) return path;
-    for (point *p = path.lazycopy_begin(), *end = p + path.capacity(); p != end; ++p) {
-        if (!p->is_trivial()) *p += field(*p);
-    }
+    if (field.is_in_use() && !path.is_trivial()) field.carry(path, [](point& p, point const& d) { p += d; });
     return path;
 }
 
 curve operator/(curve path, screen_corrector const& c) {
     displacement_field const field(c);
-    if (!field.is_in_use() || path.is_trivial()) return path;
-    for (point *p = path.lazycopy_begin(), *end = p + path.capacity(); p != end; ++p) {
-        if (!p->is_trivial()) *p -= field(*p);
-    }
+    if (field.is_in_use() && !path.is_trivial()) field.carry(path, [](point& p, point const& d) { p -= d; });
     return path;
 }
 
