@@ -30,13 +30,15 @@ public:
     double y_scale = 0.004166666666666667;  ///< 2 / height; that of 480 pixels.
     matrix coefficients;                    ///< Row 0 gives dx, row 1 dy, n each; empty for order 0.
 
-    screen_corrector() = default;
+    screen_corrector();
     /// Least-squares field from `measured` to `nominal` points, equal indices belonging together, on a screen
     /// of `width` by `height` pixels. Of the orders from 1 to `max_order` that have fewer terms than there
-    /// are points, the one with the smallest residual is taken, the lowest of equals.
+    /// are points, the one with the smallest residual is taken, the lowest of equals; the time for N points
+    /// grows with N n². A residual that the rounding of the coordinates explains counts as 0, so that exact
+    /// data keep the lowest order that describes them.
     ///
-    /// The default corrector, scales included, when that is order 1 (which alone would be no distortion but
-    /// a camera set up wrongly), for 6 points or fewer, and when no order could be solved; see `fit`.
+    /// The default corrector, scales included, when that is order 1, which alone is no distortion; for 6
+    /// points or fewer; and when no order could be solved (see `fit`).
     screen_corrector(unsigned int width, unsigned int height, idioms::array<point> measured,
                      idioms::array<point> nominal, unsigned int max_order);
     // Copies only: a corrector that was moved from would be left without its empty matrix.
@@ -64,22 +66,25 @@ protected:
     vector f(point p) const;
 
     /// Sets `order`, `coefficients` and `residual` to the least-squares field of that order in the present
-    /// scales: `residual` is the root of the sum of both coordinates' squares over N - n, N being the number
-    /// of points. That difference is an unsigned one, so it is huge for fewer points than terms, and N = n
-    /// leaves NaN. A sum that the rounding of the coordinates explains counts as 0. Order 0, as which a
-    /// negative one counts, has no coefficients and the residual 0.
+    /// scales. `residual` is the root of the sum of squares in both coordinates over N - n, an unsigned
+    /// difference, N being the number of points; NaN for N = n. Order 0, as which a negative one counts, has
+    /// no coefficients and the residual 0.
     ///
-    /// A set that does not determine the terms (fewer points, all on one line, a grid with too few lines), a
-    /// number that is not finite and lists of different length leave no coefficients and an infinite
-    /// residual. Only x and y count; a trivial point lies at the origin.
+    /// No coefficients and an infinite residual are left by points that do not determine the terms (fewer
+    /// than n, all on one line or conic, a grid of no more lines than the order), by a number that is not
+    /// finite, by lists of different length and by orders above 127. Only x and y count; a trivial point lies
+    /// at the origin.
     ///
-    /// Source: Householder's reduction of the terms themselves, because normal equations square the
-    /// condition, by which points on a small part of the screen would lose all digits at high orders:
-    /// A. Bjorck, Numerical Methods for Least Squares Problems, SIAM 1996, 2.4.
+    /// The terms themselves are reduced, without normal equations. These square the condition: with points on
+    /// a tenth of the screen no digit of a coefficient is left at order 6.
+    ///
+    /// Source: A. Bjorck, Numerical Methods for Least Squares Problems, SIAM 1996, 2.4, on Householder's
+    /// reduction.
     void fit(int order_wanted, idioms::array<point> measured, idioms::array<point> nominal);
 };
 
-/// Adds the displacement at `p`; dimension and z stay. `p` itself when it or the corrector is trivial.
+/// Adds the displacement at `p`; dimension and z stay. `p` itself when it or the corrector is trivial. An
+/// x or y that is not finite stays without use.
 TVMATH_API point operator*(point p, screen_corrector const& c);
 /// Takes off the displacement at `p`: the inverse of `*` in first order only, since the displacement where
 /// the point came from is another one. Without iteration on purpose: stored coordinates were made so.

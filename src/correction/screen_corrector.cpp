@@ -97,6 +97,7 @@ void shift_series(unsigned int n, double offset, std::vector<double>& series, ac
 
 }  // namespace
 
+screen_corrector::screen_corrector() = default;
 screen_corrector::~screen_corrector() = default;
 
 bool screen_corrector::is_trivial() const {

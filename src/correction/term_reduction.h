@@ -9,9 +9,9 @@ inline namespace tvmath {
 /// points: the terms of a lower order come first, so the triangle of a higher order holds its own.
 ///
 /// The terms themselves are reduced by Householder's reflections, a few rows at a time onto the triangle of
-/// those before, and no normal equations are formed: these square the condition, which for points on a tenth
-/// of the screen and order 10 is 1e10 already. Sums of squares are sums of what is left over, so they do not
-/// cancel and are never negative.
+/// those before, and no normal equations are formed: these square the condition, and for points on a tenth of
+/// the screen no digit of a coefficient is left at order 6. Sums of squares are sums of what is left over, so
+/// they do not cancel and are never negative.
 ///
 /// Source: A. Bjorck, Numerical Methods for Least Squares Problems, SIAM 1996, 2.4; G. Golub, C. Van Loan,
 /// Matrix Computations, 5.1.
