@@ -231,9 +231,12 @@ TEST(ScreenCorrector, IsNeverOfTheFirstOrderAlone) {
     }
     EXPECT_TRUE(screen_corrector(800, 800, as_list(points), as_list(points), 7).is_trivial());
     EXPECT_TRUE(screen_corrector(800, 800, list(), list(), 7).is_trivial());
-    points.resize(6);
-    EXPECT_TRUE(
-        screen_corrector(8, 8, as_list(points), seen_through(decentred, points, 1, random), 7).is_trivial());
+    points.clear();
+    for (int i = 1; i <= 7; ++i) {  // the second order has six terms, and asks for a point more
+        points.push_back(random_place(random, {}, 1));
+        screen_corrector const c(8, 8, as_list(points), seen_through(decentred, points, 0, random), 7);
+        EXPECT_EQ(c.order, i < 7 ? 0u : 2u);
+    }
 }
 
 TEST(ScreenCorrector, GivesTheFieldOfAPartOfTheScreen) {
