@@ -18,6 +18,12 @@ public:
     double x_scale = 0.0;  ///< Takes x on the screen to u.
     vector coefficients;   ///< Of T(k, u) for k = 0 to `order`.
 
+    flatness_row_corrector() = default;
+    // Copies only: a corrector that was moved from would be left without its empty list.
+    flatness_row_corrector(flatness_row_corrector const& other) = default;
+    flatness_row_corrector& operator=(flatness_row_corrector const& other) = default;
+    ~flatness_row_corrector() = default;
+
     /// True without coefficients, when every correction is 0.
     bool is_trivial() const { return coefficients.is_trivial(); }
 
@@ -39,8 +45,8 @@ public:
 /// t) is the Chebyshev polynomial. Screen coordinates are in pixels, heights in the caller's units. Outside
 /// the screen the polynomial is extrapolated as it is. Nothing here raises.
 ///
-/// An `order` above what the number of coefficients allows, as can stand only in fields set by hand, counts
-/// as the highest that it allows.
+/// An `order` that asks for more coefficients than there are, as only fields set by hand can have it, makes
+/// every correction 0. Memory is allocated by the cut at a y, for what it returns, and for orders above 31.
 class TVMATH_API flatness_corrector {
 public:
     double residual = 0.0;    ///< Standard error of the fit, in the units of z.
@@ -50,13 +56,18 @@ public:
     vector coefficients;     ///< (order + 1) (order + 2) / 2 of them.
     double curvature = 0.0;  ///< Reciprocal radius of the surface of focus, in machine units; see `fit`.
 
+    flatness_corrector() = default;
+    flatness_corrector(flatness_corrector const& other) = default;
+    flatness_corrector& operator=(flatness_corrector const& other) = default;
+    ~flatness_corrector() = default;
+
     /// The correction that brings measured heights of focus on a flat artefact to `z_nominal`: least squares
     /// over the points, x and y on a screen of `width` by `height` pixels as seen, z the height. 2D points
     /// have the height 0.
     ///
-    /// Even orders from 2 on are tried up to `max_order` and as long as there are more points than terms. The
-    /// order with the least standard error is kept, the lowest of equal ones. Residuals that are all within
-    /// the rounding of their points count as 0, so that exact data keep their lowest order.
+    /// Even orders from 2 on are tried up to `max_order`, 126 at most, as long as there are more points than
+    /// terms. The one with the least standard error is kept, the lowest of equals. Residuals within the
+    /// rounding of the heights count as 0, so that exact data keep their own order.
     ///
     /// `screen` and `screen_to_machine` serve the curvature alone: it is that of the sphere through the
     /// points corrected by the first and carried by the second, which should be 3D; positive when the centre
@@ -66,9 +77,8 @@ public:
     /// Returns the default object for fewer than 7 points, for a `max_order` below 2, for points that
     /// determine no order, as on a conic section, and for a number among the data that is not finite.
     ///
-    /// Source: W. M. Gentleman, Least squares computations by Givens transformations without square roots,
-    /// J. Inst. Maths Applics 12 (1973) 329-336: the rows are rotated into a triangle one by one, in which a
-    /// polynomial of lower order has its own.
+    /// Source: A. Bjorck, Numerical Methods for Least Squares Problems, SIAM 1996, 2.4: reflections of the
+    /// terms, because normal equations would square the condition.
     static flatness_corrector fit(unsigned int width, unsigned int height, std::vector<point> const& points,
                                   double z_nominal, transform screen_to_machine, screen_corrector screen,
                                   unsigned int max_order);
@@ -76,16 +86,13 @@ public:
     /// True without coefficients, when every correction is 0.
     bool is_trivial() const { return coefficients.is_trivial(); }
 
-    /// The correction at x and y of `p`, in the units of z; 0 for a trivial corrector or point. Allocates
-    /// nothing.
+    /// The correction at x and y of `p`, in the units of z; 0 for a trivial corrector or point.
     double get_focus_correction(point const& p) const;
 
     /// Its derivatives by x and y on the screen, a 2D direction; (0, 0) for a trivial corrector or point.
-    /// Allocates nothing.
     point get_focus_correction_derivative(point const& p) const;
 
-    /// The correction along the line at `y`; trivial for a trivial corrector. Allocates only the
-    /// coefficients that it returns.
+    /// The correction along the line at `y`; trivial for a trivial corrector.
     flatness_row_corrector get_focus_correction_at_y(double y) const;
 
     /// Moves the surface of focus by `dz`; a trivial corrector stays trivial.

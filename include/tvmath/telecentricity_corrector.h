@@ -41,8 +41,9 @@ public:
     /// the data that is not finite.
     ///
     /// Source: for the places, which are taken out beforehand, R. Frisch, F. V. Waugh, Partial time
-    /// regressions as compared with individual trends, Econometrica 1 (1933) 387-401; for the rest the
-    /// method of `flatness_corrector::fit`.
+    /// regressions as compared with individual trends, Econometrica 1 (1933) 387-401; for the rest W.
+    /// M. Gentleman, Least squares computations by Givens transformations without square roots, J. Inst.
+    /// Maths Applics 12 (1973) 329-336.
     static telecentricity_corrector fit(std::vector<point> const& image_points,
                                         std::vector<point> const& stage_points, double z_reference,
                                         screen_corrector screen, transform screen_to_machine);
