@@ -18,7 +18,7 @@ public:
     double x_scale = 0.0;  ///< Takes x on the screen to u.
     vector coefficients;   ///< Of T(k, u) for k = 0 to `order`.
 
-    flatness_row_corrector() = default;
+    flatness_row_corrector();
     // Copies only: a corrector that was moved from would be left without its empty list.
     flatness_row_corrector(flatness_row_corrector const& other) = default;
     flatness_row_corrector& operator=(flatness_row_corrector const& other) = default;
@@ -56,7 +56,7 @@ public:
     vector coefficients;     ///< (order + 1) (order + 2) / 2 of them.
     double curvature = 0.0;  ///< Reciprocal radius of the surface of focus, in machine units; see `fit`.
 
-    flatness_corrector() = default;
+    flatness_corrector();
     flatness_corrector(flatness_corrector const& other) = default;
     flatness_corrector& operator=(flatness_corrector const& other) = default;
     ~flatness_corrector() = default;

@@ -14,6 +14,9 @@ bool has_all_terms(flatness_corrector const& c) {
 
 }  // namespace
 
+flatness_row_corrector::flatness_row_corrector() = default;
+flatness_corrector::flatness_corrector() = default;
+
 double flatness_row_corrector::get_focus_correction_at_x(double x) const {
     if (coefficients.capacity() <= order) return 0.0;
     double const* const c = coefficients.begin();

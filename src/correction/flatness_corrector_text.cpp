@@ -24,7 +24,7 @@ flatness_corrector to_flatness_corrector(unsigned short const* text, flatness_co
     wide_string_view parts[5];
     if (!first_parts(token_reader::whole(text), parts)) return fallback;
     flatness_corrector c;
-    c.coefficients = read_vector(parts[1], {});
+    c.coefficients = read_vector(parts[1], c.coefficients);
     int const order = chebyshev::order_of(c.coefficients.capacity());
     c.x_scale = 2 / read_real(parts[2], 0);
     c.y_scale = 2 / read_real(parts[3], 0);
