@@ -37,15 +37,11 @@ long allocations_of(action const& act) {
     return allocations - before;
 }
 
-flatness_corrector of_order(unsigned int order, flatness_corrector c) {
-    c.x_scale = c.y_scale = 1e-3;
-    c.order = order;
-    c.coefficients = vector((order + 1) * (order + 2) / 2, 1.0);
-    return c;
-}
-
 TEST(FlatnessCorrector, AllocatesNothingForAPoint) {
-    flatness_corrector const none, c = of_order(31, none), high = of_order(32, none);
+    flatness_corrector c;
+    c.x_scale = c.y_scale = 1e-3;
+    c.order = 31;
+    c.coefficients = vector(32 * 33 / 2, 1.0);
     telecentricity_corrector lens;
     lens.residual = 0;
     flatness_row_corrector const row = c.get_focus_correction_at_y(1);
@@ -56,7 +52,6 @@ TEST(FlatnessCorrector, AllocatesNothingForAPoint) {
     EXPECT_EQ(allocations_of([&](point p) { sum = (p * c / c * lens / lens).z(); }), 0);
     // The empty list that a row starts with and the one that it gets.
     EXPECT_EQ(allocations_of([&](point p) { sum = c.get_focus_correction_at_y(p.y()).x_scale; }), 200);
-    EXPECT_EQ(allocations_of([&](point p) { sum = high.get_focus_correction(p); }), 100);
 }
 
 }  // namespace
