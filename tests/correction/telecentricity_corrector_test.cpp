@@ -75,7 +75,9 @@ TEST(TelecentricityCorrector, MovesXAndYInProportionToZ) {
         EXPECT_LE(distance3d(p, lens.remove_correction(lens.apply_correction(p))), 1e-14);
         EXPECT_TRUE(p * none == p && p / none == p);
     }
-    for (point const& p : {point(), point(true, 3, 4), point(true, 3, 4, 0), point(false, 3, 4)}) {
+    point flat(true, 3, 4, 9);
+    flat.project2d();
+    for (point const& p : {point(), flat, point(true, 3, 4, 0), point(true, infinity, 4, 0)}) {
         EXPECT_TRUE(p * lens == p && p / lens == p);
     }
     EXPECT_TRUE(std::isnan((point(true, 3, 4, nan) * lens).x()));
