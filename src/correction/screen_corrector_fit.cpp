@@ -37,7 +37,8 @@ public:
         double const squares = terms_.sum_of_squares(order, 0) + terms_.sum_of_squares(order, 1);
         // Each coordinate is rounded, and so is each that it was computed from: what is not above some of
         // these roundings says nothing. So exact data have the same residual, 0, from their own order on.
-        double const rounding = 8 * std::numeric_limits<double>::epsilon() * largest_;
+        // The reduction adds to them block by block.
+        double const rounding = (8 + points_ / 32.0) * std::numeric_limits<double>::epsilon() * largest_;
         bool const is_exact = std::sqrt(squares) <= rounding * std::sqrt(2.0 * points_);
         return std::sqrt((is_exact ? 0.0 : squares) / (points_ - chebyshev::term_count(order)));
     }

@@ -42,7 +42,8 @@ void term_reduction::add(double u, double v, double const* right_sides) {
 void term_reduction::finish() {
     fold();
     for (rank_ = 0; rank_ < terms_; ++rank_) {
-        double length2 = 0;
+        // No term is shorter than the rounding of the constant one, from which it was computed.
+        double length2 = triangle_[0] * triangle_[0];
         for (std::size_t i = 0; i <= rank_; ++i) {
             double const x = triangle_[i * width_ + rank_];
             length2 += x * x;

@@ -205,6 +205,13 @@ TEST(ScreenCorrector, DoesNothingWhereThePointsDoNotTell) {
         EXPECT_EQ(searched.y_scale, some_order ? 0.004 : 2.0 / 480);
     }
     opened c;
+    std::vector<point> two_lines;  // on zeros of T2, as far as rounding lets them
+    for (int i = 0; i < 60; ++i) {
+        double const y = (240 + 1e-14 * (i % 7)) * std::sqrt(0.5);
+        two_lines.push_back(at(random.uniform(-300, 300), i % 2 == 0 ? y : -y));
+    }
+    c.fit(2, as_list(two_lines), seen_through(decentred, two_lines, 0.1, random));
+    EXPECT_EQ(c.residual, infinity);
     list const points = as_list(grid(5, 5));
     for (list const& other_length : {as_list(grid(5, 6)), as_list(grid(5, 4)), list()}) {
         c.fit(2, points, other_length);
