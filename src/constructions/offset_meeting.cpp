@@ -38,7 +38,7 @@ offset_meeting::offset_meeting(convex_arcs& p, convex_arcs& q, double reach)
 // Whether b is on one side of the band about the chord of a.
 bool offset_meeting::lies_beside(arc const& a, arc const& b) const {
     xy const chord = a.to.at - a.from.at;
-    double const n = std::sqrt(dot(chord, chord)), reach = n * (a.bulge + b.bulge + noise_);
+    double const reach = a.chord * (a.bulge + b.bulge + noise_);
     double const from = cross(chord, b.from.at - a.from.at), to = cross(chord, b.to.at - a.from.at);
     return std::min(from, to) > reach || std::max(from, to) < -reach;
 }
@@ -56,13 +56,14 @@ void offset_meeting::search(std::size_t i, std::size_t j) {
     if (steps_left_ <= 0 || are_apart(p_[i], q_[j])) return;
     --steps_left_;
     if (cross_once(i, j)) return;
-    double const bulge_p = p_[i].bulge, bulge_q = q_[j].bulge;
-    if (std::max(bulge_p, bulge_q) <= noise_) {
+    arc const &a = p_[i], &b = q_[j];
+    bool const is_straight = std::max(a.bulge, b.bulge) <= noise_;
+    if (is_straight && std::max(a.chord, b.chord) <= 1e-4 * reach_) {
         place const p = p_.middle(i), q = q_.middle(j);
-        contacts_.push_back({p, q, std::atan2(p.k.y, p.k.x), distance(p_[i].from, p_[i].to)});
+        contacts_.push_back({p, q, std::atan2(p.k.y, p.k.x), a.chord});
         return;
     }
-    if (bulge_p >= bulge_q) {
+    if (is_straight ? a.chord >= b.chord : a.bulge >= b.bulge) {
         std::size_t const half = p_.halves(i);
         search(half, j);
         search(half + 1, j);

@@ -88,7 +88,8 @@ std::size_t convex_arcs::count() {
 // tan(turn / 2).
 void convex_arcs::add(place const& from, place const& to) {
     double const sine = std::fabs(cross(from.normal, to.normal)), cosine = dot(from.normal, to.normal);
-    arcs_.push_back({from, to, sine, length(to.at - from.at) / 2 * sine / (1 + cosine)});
+    double const chord = length(to.at - from.at);
+    arcs_.push_back({from, to, sine, chord, chord / 2 * sine / (1 + cosine)});
 }
 
 std::size_t convex_arcs::halves(std::size_t i) {

@@ -57,6 +57,7 @@ public:
     struct arc {
         place from, to;
         double turn;   // sine of what the direction turns by
+        double chord;  // its length
         double bulge;  // no point is farther from the chord
         std::size_t halves = 0;
     };

@@ -115,9 +115,13 @@ TEST(TangentCircle, OfEllipsesAreTheOnesWorkedByHand) {
     expect_circles(by_value(oval, next, 1), {{3, 0, 1}});  // a touch of both curves of centres
     expect_circles(by_value(oval, next, 0.999), {});
     EXPECT_EQ(by_value(oval, next, 1.001).size(), 2u);
-    expect_circles(by_value(oval, ellipse(1, 0, at(1, 1)), 1), {});  // seen edge-on
-    // The two-sided circles of concentric ellipses: one in each gap on the axes, and more between.
-    EXPECT_EQ(by_value(oval, ellipse(3, 5, at(0, 0)), 0.5).size(), 2u);
+    expect_circles(by_value(oval, ellipse(1, 0, at(1, 1)), 1), {});      // seen edge-on
+    EXPECT_EQ(by_value(oval, ellipse(3, 5, at(0, 0)), 0.5).size(), 2u);  // on the X axis only
+    // The curves of the centres touch on the axes and nearly coincide between them.
+    expect_circles(by_value(oval, ellipse(2.2, 1.2, at(0, 0)), 0.1),
+                   {{0, 1.1, 0.1}, {-2.1, 0, 0.1}, {0, -1.1, 0.1}, {2.1, 0, 0.1}});
+    // Centres at 2 from that of the circle, or in it: (0, 0), (0, +-2), (+-2, 0) and one in each quadrant.
+    EXPECT_EQ(by_value(ellipse(3, 1, at(0, 0)), circle(1, at(0, 0)), 1).size(), 9u);
 }
 
 TEST(TangentCircle, LiesAtTheMeanHeightWhereItTouches) {
