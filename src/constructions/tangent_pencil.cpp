@@ -73,7 +73,8 @@ private:
     // The half turns meet where G is farthest from 0, so that no touch lies across the joint.
     double best_seam() const {
         double best = 0, most = -1;
-        for (double angle = 0.618; angle < 2 * pi; angle += 2 * pi / 5) {
+        for (int i = 0; i < 5; ++i) {
+            double const angle = 0.618 + i * (2 * pi / 5);
             control const p = at({std::cos(angle), std::sin(angle)}, 1);
             double const value = std::fabs(product(p, p)) / p.size();
             if (!(value > most)) continue;
