@@ -1,49 +1,8 @@
-#include <algorithm>
-
+#include "figure_json.h"
 #include "fit_report.h"
-#include "json_text.h"
-#include "tvmath/scalar.h"
 
 inline namespace tvmath {
 namespace {
-
-std::string key_of(std::string label) {
-    std::replace(label.begin(), label.end(), ' ', '_');
-    return label;
-}
-
-json_value rows(figure const& f) {
-    if (f.columns == 1) return f.values;
-    json_value list = json_value::array();
-    for (std::size_t i = 0; i + f.columns <= f.values.size(); i += f.columns) {
-        auto const first = f.values.begin() + static_cast<std::ptrdiff_t>(i);
-        list.push_back(std::vector<double>(first, first + static_cast<std::ptrdiff_t>(f.columns)));
-    }
-    return list;
-}
-
-json_value object_of(std::vector<figure> const& figures) {
-    json_value object = json_value::object();
-    for (figure const& f : figures) {
-        std::string const key = key_of(f.label);
-        switch (f.kind) {
-            case figure_kind::rows:
-                object[key] = rows(f);
-                break;
-            case figure_kind::count:
-                object[key] = static_cast<long long>(f.values[0]);
-                break;
-            case figure_kind::angle:
-            case figure_kind::axis_angle:
-                object[key] = f.values[0];
-                object[key + "_deg"] = f.values[0] * (180 / pi);
-                break;
-            default:
-                object[key] = f.values.size() == 1 ? json_value(f.values[0]) : json_value(f.values);
-        }
-    }
-    return object;
-}
 
 json_value coordinates(point const& p) {
     return p.is_3d() ? json_value{p.x(), p.y(), p.z()} : json_value{p.x(), p.y()};
@@ -85,7 +44,7 @@ json_value document_of(fit_result const& result) {
     document["conditions"] = result.conditions;
     document["dimension"] = result.dimension;
     document["points"] = result.count;
-    document["feature"] = object_of(result.figures);
+    document["feature"] = figures_object(result.figures);
     document["parameters"] = result.parameters > 0 ? json_value(result.parameters) : json_value();
     document["degrees_of_freedom"] = or_null(result.degrees_of_freedom);
     document["form_error"] = result.form_error;
@@ -109,7 +68,7 @@ json_value document_of(fit_result const& result) {
     }
     if (result.nominal) {
         document["nominal"] = {{"feature", result.nominal->words},
-                               {"deviations", object_of(result.nominal->deviations)},
+                               {"deviations", figures_object(result.nominal->deviations)},
                                {"profile_error", or_null(result.nominal->profile_error)}};
     }
     return document;

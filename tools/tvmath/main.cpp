@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "construct/construct_command.h"
 #include "convert_command.h"
 #include "exit_status.h"
 #include "fit_command.h"
@@ -37,7 +38,9 @@ char const* const examples =
     "  tvmath convert profile.csv profile.hex --method 3\n"
     "                                              measured points in a quarter of the bytes\n"
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
-    "                                              an ellipse, its parallel and their bounding rectangles\n";
+    "                                              an ellipse, its parallel and their bounding rectangles\n"
+    "  tvmath construct tangent 'circle 2 0 0' 'circle 1 5 0' --choose 2 --plot tangents.svg\n"
+    "                                              the second of the common tangents, and a picture of all\n";
 
 // Sets the examples before the description of each help, but not into the list of commands.
 class examples_first : public CLI::Formatter {
@@ -202,6 +205,36 @@ CLI::App* add_show(CLI::App& app, show_request& request) {
     return show;
 }
 
+CLI::App* add_construct(CLI::App& app, construct_request& request) {
+    CLI::App* const construct = app.add_subcommand("construct", "Construct a feature from others");
+    auto const option = [construct](char const* name, std::string& value, char const* form,
+                                    char const* what) {
+        return construct->add_option(name, value, what)->type_name(form);
+    };
+    option("WHAT", request.what, "", "The construction, as listed below")->required();
+    construct
+        ->add_option("FEATURE", request.features, "A file of a record or of points, or 'KIND PARAMETERS'")
+        ->type_name("");
+    option("--radius", request.radius, "R", "The radius of tangent circles");
+    option("--as", request.form, "xy|space|circle|ellipse", "Which form, where a pair has several");
+    option("--choose", request.choose, "N", "The number of the answer, from 1; the first one else");
+    option("--update", request.update, "OLD",
+           "Choose as that file says, which --save wrote for the last part");
+    option("--save", request.save, "FILE", "Write which answer is chosen, for --update on the next part");
+    construct->add_flag("--json", request.json, "Write JSON instead of text");
+    option("--record", request.record, "text|xml",
+           "Print the chosen answer in this form instead of the report");
+    option("--record-file", request.record_file, "OUT.txt|xml", "Write the chosen answer into this file");
+    option("--plot", request.plot, "PICTURE.svg|png|pdf", "Draw the features and all answers");
+    construct->add_option("--view", request.view, "Turn all before it is drawn, as seen along -Z")
+        ->type_name("YAW PITCH ROLL")
+        ->expected(3);
+    option("--from", request.from, "csv|text|hex|xml", "The form of files whose suffix does not say it");
+    option("-o", request.sheet, "PICTURE", "Of construct sheet: samples of all constructions");
+    construct->footer(construct_help());
+    return construct;
+}
+
 bool is_number(std::string const& word) {
     double ignored = 0;
     std::string reason;
@@ -240,8 +273,10 @@ std::vector<std::string> words_of(int argc, char** argv) {
 }
 
 exit_status run(int argc, char** argv) {
-    CLI::App app("Fits geometric features and zones to measured points, draws shapes, and converts both.",
-                 "tvmath");
+    CLI::App app(
+        "Fits geometric features and zones to measured points, constructs features from others, draws "
+        "shapes, and converts all of them.",
+        "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
     app.formatter(std::make_shared<examples_first>());  // handed down to the commands
@@ -252,12 +287,14 @@ exit_status run(int argc, char** argv) {
     mesh_request to_mesh;
     convert_request to_convert;
     show_request to_show;
+    construct_request to_construct;
     add_fit(app, to_fit);
     CLI::App const* const zone = add_zone(app, to_zone);
     CLI::App const* const mesh = add_mesh(app, to_mesh);
     CLI::App const* const render = add_render(app, to_render);
     CLI::App const* const convert = add_convert(app, to_convert);
     CLI::App const* const show = add_show(app, to_show);
+    CLI::App const* const construct = add_construct(app, to_construct);
     try {
         app.parse(words_of(argc, argv));
         if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1 ||
@@ -277,6 +314,7 @@ exit_status run(int argc, char** argv) {
     if (zone->parsed()) return run_zone(to_zone, std::cout, std::cerr);
     if (mesh->parsed()) return run_mesh(to_mesh, std::cout, std::cerr);
     if (convert->parsed()) return run_convert(to_convert, std::cout, std::cerr);
+    if (construct->parsed()) return run_construct(to_construct, std::cout, std::cerr);
     if (show->parsed()) return run_show(to_show, std::cout, std::cerr);
     return run_fit(to_fit, std::cout, std::cerr);
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "point_file.h"
+#include "tvmath/distance.h"
 
 inline namespace tvmath {
 namespace {
@@ -69,7 +70,8 @@ made_record make_point(numbers const& v) {
 }
 
 made_record make_segment(numbers const& v) {
-    return with_geometry<Segment_Description>(v.size() == 6 ? line(location3d(v, 0), location3d(v, 3))
+    // The constructor would flatten the direction of a line in space.
+    return with_geometry<Segment_Description>(v.size() == 6 ? distance_fit(location3d(v, 0), location3d(v, 3))
                                                             : line(location2d(v, 0), location2d(v, 2)));
 }
 
