@@ -38,10 +38,10 @@ TVMATH_API idioms::array<line> line_tangent(point const& p, ellipse e);
 ///   of the first ellipse, or of the second when the first is nearly round.
 /// - An ellipse within the other has none, nor have two that are the same.
 ///
-/// Ellipses touch where their supports (the distances of their tangents from the origin) come within 1e-15 of
-/// the coordinates. Both places on it then are one, about which the tangent is given with a half-length of
-/// 0.005. The distance of any tangent from either ellipse is of that order. Empty for an ellipse that is seen
-/// edge-on.
+/// Ellipses touch where their supports (the distances of their tangents from the origin) come within some
+/// 4e-15 of the coordinates and sizes. Both places on it then are one, about which the tangent is given with
+/// a half-length of 0.005. The distance of any tangent from either ellipse is of that order. Empty for an
+/// ellipse that is seen edge-on.
 ///
 /// Source: zeros of the difference of the supports; apart, one pair on either side of the widest gap, which
 /// is a convex problem; otherwise isolated by the Bernstein form of the pencil of dual conics (J. M. Lane, R.

@@ -139,6 +139,10 @@ private:
             double const angle = !c.passes ? flat_place(c)
                                  : falls   ? zero(c.from, c.to, 1)
                                            : zero(c.to, c.from, 1);
+            // Ellipses that barely overlap seem to touch: that is a zero of the other clearance, whose normal
+            // points out of the frame.
+            double const outwards = exchanged ? angle + pi : angle;
+            if (std::fabs(clearance(angle, 1).value) > std::fabs(clearance(outwards, -1).value)) continue;
             found.push_back({angle, 1, !c.passes});
         }
         double const start = found.size() <= 2 && distance_ > 1e-6 * extent_ ? towards_ : body_angle();

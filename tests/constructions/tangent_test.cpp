@@ -160,6 +160,9 @@ TEST(LineTangent, OfTwoEllipsesKnowsTheSpecialPlaces) {
     } const cases[] = {
         {"equal circles side by side", one, circle(1, at(3, 0)), 4, true},
         {"touching outside", one, circle(1, at(2, 0)), 3, true},
+        {"barely overlapping", one, circle(1, at(2 - 8e-15, 0)), 2, false},
+        {"barely overlapping, the larger first", wide, circle(1, at(3 - 1e-14, 0)), 2, false},
+        {"barely overlapping, the larger second", one, ellipse(2, 1, at(3 - 1e-14, 0)), 2, false},
         {"touching outside, ellipses", wide, ellipse(1, 2, at(3, 0)), 3, true},
         {"touching inside", one, circle(0.5, 0.5 * at(std::cos(0.618), std::sin(0.618))), 1, false},
         {"concentric circles", one, circle(2, at(0, 0)), 0, false},

@@ -1,29 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cmath>
-#include <cstdlib>
-#include <new>
 
+#include "support/allocation_count.h"
 #include "support/seeded_random.h"
 #include "tvmath/point_finder.h"
 #include "tvmath/polyline_finder.h"
-
-namespace {
-std::atomic<long> allocations = 0;
-}
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const p = std::malloc(size)) return p;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* p) noexcept {
-    std::free(p);
-}
-[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept {
-    std::free(p);
-}
 
 inline namespace tvmath {
 namespace {
