@@ -27,9 +27,9 @@ public:
 
     /// Makes `index`, counted from 0 in the construction's list, the chosen answer.
     virtual void select(unsigned int index) = 0;
-    /// Moves the choice to the answer that corresponds to the one chosen in `previous`. False, with the choice
-    /// where it was, for null, for an object of another class, and when the old answer or its counterpart does
-    /// not exist.
+    /// Moves the choice to the answer that corresponds to the one chosen in `previous`. False, with the
+    /// choice where it was, for null, for an object of another class, and when the old answer or its
+    /// counterpart does not exist.
     virtual bool update_from(multi_solution const* previous) = 0;
     /// Tells the chosen answer.
     virtual void selected(unsigned int& index) const = 0;
@@ -77,7 +77,9 @@ template <class kind>
 class factory<kind, multi_solution> : public abstract_factory<multi_solution> {
 public:
     explicit factory(wide_string key) : key_(std::move(key)) {}
-    multi_solution* create(unsigned short const* key) override { return key && key_ == key ? new kind : nullptr; }
+    multi_solution* create(unsigned short const* key) override {
+        return key && key_ == key ? new kind : nullptr;
+    }
 
 private:
     wide_string key_;
