@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "calibrate/calibrate_command.h"
 #include "convert_command.h"
 #include "exit_status.h"
 #include "fit_command.h"
@@ -37,7 +38,11 @@ char const* const examples =
     "  tvmath convert profile.csv profile.hex --method 3\n"
     "                                              measured points in a quarter of the bytes\n"
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
-    "                                              an ellipse, its parallel and their bounding rectangles\n";
+    "                                              an ellipse, its parallel and their bounding rectangles\n"
+    "  tvmath calibrate screen seen.csv nominal.csv --screen-size 640 480 -o lens.txt --plot lens.svg\n"
+    "                                              the distortion of a lens, as a file and a picture\n"
+    "  tvmath correct lens.txt points.csv -o true.csv\n"
+    "                                              points of the screen to where they truly lie\n";
 
 // Sets the examples before the description of each help, but not into the list of commands.
 class examples_first : public CLI::Formatter {
@@ -202,6 +207,57 @@ CLI::App* add_show(CLI::App& app, show_request& request) {
     return show;
 }
 
+CLI::App* add_calibrate(CLI::App& app, calibrate_request& request) {
+    CLI::App* const calibrate =
+        app.add_subcommand("calibrate", "Fit the correction of an optical error to measured points");
+    auto const option = [calibrate](char const* name, std::string& value, char const* form,
+                                    char const* what) {
+        return calibrate->add_option(name, value, what)->type_name(form);
+    };
+    option("KIND", request.kind, "", "screen, flatness or telecentricity, as told below")->required();
+    option("MEASURED", request.measured, "", file_help)->required();
+    option("NOMINAL", request.nominal, "", "What goes with each point of MEASURED, but for flatness");
+    calibrate->add_option("--screen-size", request.screen_size, "The pixels of the camera")
+        ->type_name("W H")
+        ->expected(2);
+    option("--max-order", request.max_order, "N", "The highest order that is tried");
+    option("--z-nominal", request.z_nominal, "Z",
+           "Of flatness: the height that all points have; their mean else");
+    option("--z-reference", request.z_reference, "Z",
+           "Of telecentricity: the height of the stage at which nothing is corrected");
+    option("--pixel", request.pixel, "SX [SY]", "The size of a pixel in units of the machine");
+    option("--transform", request.transform_file, "FILE",
+           "The way from the screen to the machine, as fit transform --record-file writes it");
+    option("--screen", request.screen, "CORRECTOR", "The correction of the screen that is made before");
+    option("-o", request.output, "OUT",
+           "Write the corrector into this file; - prints it, without the report");
+    option("--plot", request.plot, "PICTURE.svg|png|pdf",
+           "Draw the corrections and the errors that they leave");
+    calibrate->add_flag("--json", request.json, "Write JSON instead of text");
+    add_decimal(*calibrate, request.decimal_comma);
+    calibrate->footer(calibrate_help());
+    return calibrate;
+}
+
+CLI::App* add_correct(CLI::App& app, correct_request& request) {
+    CLI::App* const correct = app.add_subcommand("correct", "Correct points as calibrate has found it");
+    correct->add_option("CORRECTOR", request.corrector, "A file that calibrate -o has written")
+        ->required()
+        ->type_name("");
+    correct->add_option("POINTS", request.points, file_help)->required()->type_name("");
+    correct->add_flag("--remove", request.remove, "Take the correction off instead");
+    correct
+        ->add_option("--z-reference", request.z_reference,
+                     "Of telecentricity: the height from which those of POINTS count; 0 else")
+        ->type_name("Z");
+    correct
+        ->add_option("-o", request.output,
+                     "Where the points go, in the form of the suffix; - or none prints CSV")
+        ->type_name("OUT.csv|xyz|txt|hex|xml");
+    add_decimal(*correct, request.decimal_comma);
+    return correct;
+}
+
 bool is_number(std::string const& word) {
     double ignored = 0;
     std::string reason;
@@ -213,6 +269,7 @@ bool is_number(std::string const& word) {
 std::size_t most_numbers(std::string const& word) {
     if (word == "--center" || word == "--through") return 3;
     if (word == "--parallel" || word == "--perpendicular") return 4;
+    if (word == "--pixel") return 2;
     return word == "--tangent" ? 6 : 0;
 }
 
@@ -240,8 +297,9 @@ std::vector<std::string> words_of(int argc, char** argv) {
 }
 
 exit_status run(int argc, char** argv) {
-    CLI::App app("Fits geometric features and zones to measured points, draws shapes, and converts both.",
-                 "tvmath");
+    CLI::App app(
+        "Fits geometric features, zones and corrections to measured points, draws shapes, and converts all.",
+        "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
     app.formatter(std::make_shared<examples_first>());  // handed down to the commands
@@ -252,12 +310,16 @@ exit_status run(int argc, char** argv) {
     mesh_request to_mesh;
     convert_request to_convert;
     show_request to_show;
+    calibrate_request to_calibrate;
+    correct_request to_correct;
     add_fit(app, to_fit);
     CLI::App const* const zone = add_zone(app, to_zone);
     CLI::App const* const mesh = add_mesh(app, to_mesh);
     CLI::App const* const render = add_render(app, to_render);
     CLI::App const* const convert = add_convert(app, to_convert);
     CLI::App const* const show = add_show(app, to_show);
+    CLI::App const* const calibrate = add_calibrate(app, to_calibrate);
+    CLI::App const* const correct = add_correct(app, to_correct);
     try {
         app.parse(words_of(argc, argv));
         if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1 ||
@@ -278,6 +340,8 @@ exit_status run(int argc, char** argv) {
     if (mesh->parsed()) return run_mesh(to_mesh, std::cout, std::cerr);
     if (convert->parsed()) return run_convert(to_convert, std::cout, std::cerr);
     if (show->parsed()) return run_show(to_show, std::cout, std::cerr);
+    if (calibrate->parsed()) return run_calibrate(to_calibrate, std::cout, std::cerr);
+    if (correct->parsed()) return run_correct(to_correct, std::cout, std::cerr);
     return run_fit(to_fit, std::cout, std::cerr);
 }
 
