@@ -12,7 +12,7 @@ namespace {
 // Places on the page.
 constexpr double left = 76, right = 814, top = 74, field_width = 476, field_height = 372;
 constexpr double errors_left = 636, errors_width = 172, errors_height = 430;
-constexpr double figures_top = 535, line_height = 13, column_width = 252;
+constexpr double figures_top = 535, line_height = 13, column_width = 268;
 
 std::string number(double x) {
     return short_text(x, 5);
@@ -27,6 +27,7 @@ void draw_title(canvas& c, calibrate_result const& result) {
                      small = {.size = 9.5, .ink = faint_ink};
     std::string title = corrector_name(result.kind());
     title[0] = static_cast<char>(title[0] - 'a' + 'A');
+    title += " correction";
     calibrate_setup const& s = result.setup;
     std::string const files =
         names_of(s.measured_file) + (s.nominal_file.empty() ? "" : ", " + names_of(s.nominal_file));

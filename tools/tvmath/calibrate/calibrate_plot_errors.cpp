@@ -59,7 +59,7 @@ void draw_cloud(canvas& c, calibrate_result const& result, spot observation::*er
     draw_axes(c, panel, make_axis(0, panel.low.x, panel.high.x, round_above(width / 5)),
               s.largest > 0 ? make_axis(0, -range, range, round_above(range / 3)) : plot_axis{},
               are_heights ? "from the middle, pixels" : "dx" + unit, are_heights ? "dz" + unit : "dy" + unit);
-    c.text({corner.x, corner.y - 6}, capital_words(when, s), {.size = 8.5, .ink = text_ink, .bold = true});
+    c.text({corner.x, corner.y - 6}, capital_words(when, s), {.size = 8, .ink = text_ink, .bold = true});
     c.begin_clip(panel.corner, panel.width, panel.height);
     draw_cross(c, panel, !are_heights);
     std::vector<spot> const dots = told_apart(panel, places, 0.6);
@@ -72,7 +72,7 @@ void draw_cloud(canvas& c, calibrate_result const& result, spot observation::*er
 void draw_places(canvas& c, plot_panel const& panel, std::vector<observation> const& observations) {
     std::vector<spot> places;
     for (observation const& o : observations) places.push_back(o.at);
-    c.dots(told_apart(panel, places, 1.2), 0.9, zone_edge_ink);
+    c.dots(told_apart(panel, places, 3), 0.9, zone_edge_ink);
 }
 
 void draw_errors(canvas& c, calibrate_result const& result, spot corner, double width, double height) {

@@ -7,8 +7,8 @@
 inline namespace tvmath {
 namespace {
 
-constexpr int steps_across = 16;    // of the grid along the longer side
-constexpr double longest = 0.95;    // arrow, in steps: it does not reach its neighbour
+constexpr int steps_across = 13;    // of the grid along the longer side
+constexpr double longest = 0.95;    // arrow, in steps: It does not reach its neighbour.
 constexpr double least_head = 0.7;  // Below that many page points an arrow is a dot.
 
 struct arrow {
@@ -111,7 +111,7 @@ void draw_scale(canvas& c, calibrate_result const& result, plot_panel const& pan
                                          (factor == 1 ? " pixel" : " pixels")
                                    : "displacements, " + factor_text(factor) + " times enlarged";
     if (result.kind() == corrector_kind::telecentricity)
-        text += ", at the height " + short_text(result.height);
+        text += ", " + short_text(result.height) + " above the reference";
     c.text({panel.corner.x + panel.width, y}, text, {.size = 8.5, .ink = text_ink, .across = 1});
 }
 
@@ -133,7 +133,7 @@ void draw_field(canvas& c, calibrate_result const& result, spot corner, double w
     // In one place there is no step to draw to.
     double const room = longest * (step > 0 ? step : (panel.high.x - panel.low.x) / 4);
     double const factor = largest > 0 ? round_below(room / largest) : 1;
-    draw_arrows(c, panel, arrows, factor, !on_screen ? false : result.kind() == corrector_kind::flatness);
+    draw_arrows(c, panel, arrows, factor, result.kind() == corrector_kind::flatness);
     c.end_clip();
     if (largest > 0) {
         draw_scale(c, result, panel, factor, largest);

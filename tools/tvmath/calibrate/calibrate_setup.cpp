@@ -116,9 +116,10 @@ bool read_sizes(calibrate_request const& request, calibrate_setup& setup, std::s
 
 exit_status read_transform(std::string const& name, std::optional<transform>& to_machine,
                            std::string& reason) {
+    // XML keeps no scale of a transform.
     file_form form = file_form::text;
-    if (name != "-" && !find_form("", name, form, reason)) {
-        reason = "tvmath: --transform: " + reason;
+    if (name != "-" && (!find_form("", name, form, reason) || form != file_form::text)) {
+        reason = "tvmath: --transform takes a transform as text, from a file .txt";
         return exit_status::wrong_usage;
     }
     std::shared_ptr<Geometry_Description> record;
