@@ -35,8 +35,8 @@ nlohmann::json document_of(calibrate_request request) {
 std::string csv(std::vector<row> const& rows) {
     std::string text;
     for (row const& r : rows) {
-        for (std::size_t i = 0; i < r.size(); ++i) text += (i > 0 ? "," : "") + number_text(r[i]);
-        text += '\n';
+        for (double const x : r) text.append(number_text(x)).append(",");
+        text.back() = '\n';
     }
     return text;
 }
@@ -142,6 +142,10 @@ TEST_F(CalibrateCommand, FindsTheDistortionOfALens) {
     // Of 221 points the sum of squares of both coordinates is known to 5 %; here three times that.
     EXPECT_NEAR(document["corrector"]["residual"].get<double>(), std::sqrt(2.0) * noise, 0.15 * noise);
     EXPECT_GT(document["before"]["rms"].get<double>(), 2);
+    EXPECT_EQ(document["outside_screen"], 0);
+    request.screen_size = {"320", "240"};
+    EXPECT_EQ(document_of(request)["outside_screen"], 221 - 9 * 7);  // marks up to 152 and 114 are seen
+    request.screen_size = {"640", "480"};
     // Places that were not measured, up to the corners of the chart; the uncertainty is 0.3 of the noise in
     // the mean.
     request.output = folder.path("lens.txt");
