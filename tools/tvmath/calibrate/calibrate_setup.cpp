@@ -99,6 +99,15 @@ bool read_pixel(std::string const& text, std::optional<transform>& to_machine, s
     return true;
 }
 
+bool read_whole(std::string const& text, unsigned int least, unsigned int most, unsigned int& value) {
+    unsigned int number = 0;
+    auto const read = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (read.ec != std::errc() || read.ptr != text.data() + text.size()) return false;
+    if (number < least || number > most) return false;
+    value = number;
+    return true;
+}
+
 bool read_sizes(calibrate_request const& request, calibrate_setup& setup, std::string& reason) {
     if (!request.screen_size.empty() &&
         (request.screen_size.size() != 2 ||
@@ -156,15 +165,6 @@ exit_status read_files(calibrate_request const& request, calibrate_setup& setup,
 }
 
 }  // namespace
-
-bool read_whole(std::string const& text, unsigned int least, unsigned int most, unsigned int& value) {
-    unsigned int number = 0;
-    auto const read = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (read.ec != std::errc() || read.ptr != text.data() + text.size()) return false;
-    if (number < least || number > most) return false;
-    value = number;
-    return true;
-}
 
 exit_status read_list(std::string const& name, bool decimal_comma, std::vector<point>& points,
                       std::string& reason) {

@@ -35,9 +35,6 @@ constexpr unsigned int default_order(corrector_kind kind) {
 /// begins with the program or the file, what is wrong.
 exit_status read_setup(calibrate_request const& request, calibrate_setup& setup, std::string& reason);
 
-/// Reads a whole number, or two finite numbers between blanks, from what was typed.
-bool read_whole(std::string const& text, unsigned int least, unsigned int most, unsigned int& value);
-
 /// Reads a list of points; `unreadable_input` with the reason, which begins with the name.
 exit_status read_list(std::string const& name, bool decimal_comma, std::vector<point>& points,
                       std::string& reason);
