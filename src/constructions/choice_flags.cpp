@@ -2,10 +2,10 @@
 #include <typeinfo>
 
 #include "choice_text.h"
+#include "geometry/xy.h"
 #include "geometry/xyz.h"
 #include "persistence/token_reader.h"
 #include "tvmath/construction_choice.h"
-#include "xy.h"
 
 inline namespace tvmath {
 namespace {

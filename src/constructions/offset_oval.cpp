@@ -8,9 +8,6 @@
 inline namespace tvmath {
 namespace {
 
-double length(xy const& a) {
-    return std::sqrt(dot(a, a));
-}
 xy unit(xy const& a) {
     return (1 / length(a)) * a;
 }

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "geometry/xy.h"
 #include "tvmath/ellipse.h"
-#include "xy.h"
 
 inline namespace tvmath {
 

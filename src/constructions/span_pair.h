@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "geometry/xy.h"
 #include "tvmath/point.h"
-#include "xy.h"
 
 inline namespace tvmath {
 

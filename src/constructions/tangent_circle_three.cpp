@@ -12,10 +12,6 @@ namespace {
 using three_lines = std::array<flat_line, 3>;
 using three_signs = std::array<double, 3>;
 
-double length(xy const& a) {
-    return std::hypot(a.x, a.y);
-}
-
 // The circles that touch three lines. Where line i has the unit direction u_i and the circle, of radius r, on
 // its side s_i, the distance d_i of the centre from it is s_i r. The sines S_i = u_j x u_k (i, j, k cyclic)
 // weigh the distances of any place so that it drops out of their sum. So, of a place at the right distances

@@ -7,15 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "construct/construct_command.h"
-#include "convert_command.h"
+#include "command_arguments.h"
 #include "exit_status.h"
-#include "fit_command.h"
-#include "fit_kinds.h"
-#include "mesh_command.h"
 #include "record_parameters.h"
-#include "render_command.h"
-#include "show_command.h"
 #include "tvmath/version.h"
 
 inline namespace tvmath {
@@ -40,7 +34,11 @@ char const* const examples =
     "  tvmath render ellipse 4 2 30deg 0 0 --offset 0.5 -o ellipse.svg\n"
     "                                              an ellipse, its parallel and their bounding rectangles\n"
     "  tvmath construct tangent 'circle 2 0 0' 'circle 1 5 0' --choose 2 --plot tangents.svg\n"
-    "                                              the second of the common tangents, and a picture of all\n";
+    "                                              the second of the common tangents, and a picture of all\n"
+    "  tvmath calibrate screen seen.csv nominal.csv --screen-size 640 480 -o lens.txt --plot lens.svg\n"
+    "                                              the distortion of a lens, as a file and a picture\n"
+    "  tvmath correct lens.txt points.csv -o true.csv\n"
+    "                                              points of the screen to where they truly lie\n";
 
 // Sets the examples before the description of each help, but not into the list of commands.
 class examples_first : public CLI::Formatter {
@@ -56,185 +54,6 @@ void complain(std::string message) {
     std::cerr << "tvmath: " << message << '\n';
 }
 
-// An option whose words, each a text of numbers, are kept for every time that it is given.
-void add_numbers(CLI::App& app, char const* name, std::vector<std::string>& texts, char const* form,
-                 char const* what) {
-    app.add_option(name, texts, what)->type_name(form)->expected(1)->take_all()->allow_extra_args(false);
-}
-
-void add_decimal(CLI::App& command, bool& decimal_comma) {
-    command
-        .add_option_function<std::string>(
-            "--decimal", [&decimal_comma](std::string const&) { decimal_comma = true; },
-            "The decimal mark of the numbers in the files, when it is a comma")
-        ->type_name(",")
-        ->check(CLI::IsMember({","}).description(""));
-}
-
-char const* const file_help = "Points as CSV or XYZ text, 2 or 3 columns; - is standard input";
-
-void add_input(CLI::App& command, fit_request& request) {
-    command.add_option("KIND", request.kind, "What to fit, as listed below")->required()->type_name("");
-    command.add_option("FILE", request.files, file_help)->required()->type_name("");
-}
-
-void add_output(CLI::App& command, fit_request& request) {
-    command
-        .add_option("--residuals", request.residuals,
-                    "Write a row for each point: index, coordinates, residual")
-        ->type_name("OUT.csv");
-    command.add_option("--plot", request.plot, "Draw the points, the feature and the residuals")
-        ->type_name("PICTURE.svg|png|pdf");
-    command.add_option("--tolerance", request.tolerance, "Exit with 1 when the form error is above")
-        ->type_name("T");
-    command.add_flag("--json", request.json, "Write JSON instead of text");
-    add_decimal(command, request.decimal_comma);
-}
-
-void add_fit(CLI::App& app, fit_request& request) {
-    CLI::App* const fit = app.add_subcommand("fit", "Fit a feature to the points of each file");
-    add_input(*fit, request);
-    add_numbers(*fit, "--center", request.center, "X Y [Z]", "The centre is known; a line passes it");
-    add_numbers(*fit, "--through", request.through, "X Y [Z]", "Passes this point; may be repeated");
-    add_numbers(*fit, "--tangent", request.tangent, "X1 Y1 X2 Y2",
-                "Touches this line, or a sphere the plane X Y Z NX NY NZ; may be repeated");
-    add_numbers(*fit, "--parallel", request.parallel, "DX DY [DZ]",
-                "The direction, axis or normal is known; of a line also that of X1 Y1 X2 Y2");
-    add_numbers(*fit, "--perpendicular", request.perpendicular, "DX DY",
-                "At a right angle to this direction, or to the line X1 Y1 X2 Y2");
-    add_numbers(*fit, "--nominal", request.nominal, "'KIND PARAMETERS'",
-                "The nominal feature, in the words of tvmath render; a composite takes one for each FILE");
-    fit->add_flag("--quick", request.quick, "The closed form: algebraic where the kind has such a fit");
-    fit->add_flag("--zone", request.zone, "The minimum zone instead of least squares, with its contacts");
-    fit->add_flag("--diameter", request.diameter, "The circle on two points as its diameter");
-    fit->add_option("--method", request.method,
-                    "Of a path: interpolating (the first choice), least-squares or minimum-curvature")
-        ->type_name("NAME");
-    fit->add_flag("--sort", request.sort, "The points of the path come in any order");
-    fit->add_option("--onto", request.onto,
-                    "The points, in pairs with those of FILE, that a transform leads to")
-        ->type_name("FILE");
-    add_output(*fit, request);
-    fit->add_option("--record", request.record, "Print the fitted record in this form instead of the report")
-        ->type_name("text|xml");
-    fit->add_option("--record-file", request.record_file, "Write the fitted record into this file")
-        ->type_name("OUT.txt|xml");
-    fit->footer(fit_kinds_help());
-}
-
-CLI::App* add_zone(CLI::App& app, fit_request& request) {
-    CLI::App* const zone = app.add_subcommand("zone", "Find the narrowest zone that holds all points");
-    add_input(*zone, request);
-    add_numbers(*zone, "--parallel", request.parallel, "DX DY DZ", "The normal of a plane is known");
-    zone->add_flag("--flip", request.flip, "The seating plane lies on the points, not they on it");
-    add_numbers(*zone, "--nominal", request.nominal, "'KIND PARAMETERS'",
-                "The nominal feature, in the words of tvmath render");
-    add_output(*zone, request);
-    zone->footer(zone_kinds_help());
-    return zone;
-}
-
-CLI::App* add_mesh(CLI::App& app, mesh_request& request) {
-    CLI::App* const mesh = app.add_subcommand("mesh", "Join points in XY to triangles");
-    mesh->add_option("FILE", request.file, file_help)->required()->type_name("");
-    mesh->add_option("-o", request.output,
-                     "A picture (.svg, .png, .pdf) or a table of triangles (.csv, or -)")
-        ->type_name("FILE");
-    mesh->add_flag("--json", request.json, "Write the counts and the area as JSON instead of text");
-    add_decimal(*mesh, request.decimal_comma);
-    return mesh;
-}
-
-CLI::App* add_render(CLI::App& app, render_request& request) {
-    CLI::App* const render = app.add_subcommand("render", "Draw a shape from its parameters");
-    render->add_option("KIND", request.kind, "What to draw; all draws a sample of every kind")
-        ->required()
-        ->type_name("");
-    render->add_option("PARAMETERS", request.parameters, "Numbers, as listed below")->type_name("");
-    render
-        ->add_option("--offset", request.offsets, "Also draw the parallel at this distance; may be repeated")
-        ->type_name("D")
-        ->expected(1)
-        ->take_all();
-    render->add_option("--view", request.view, "Turn the shape before it is drawn, as seen along -Z")
-        ->type_name("YAW PITCH ROLL")
-        ->expected(3);
-    render->add_option("-o", request.output, "A picture (.svg, .png, .pdf) or a table of points (.csv, or -)")
-        ->required()
-        ->type_name("FILE");
-    render->footer(render_kinds_help());
-    return render;
-}
-
-CLI::App* add_convert(CLI::App& app, convert_request& request) {
-    CLI::App* const convert =
-        app.add_subcommand("convert", "Write points or a record in another form: csv, text, hex or xml");
-    convert->add_option("IN", request.input, "What is read; - is standard input")->required()->type_name("");
-    convert->add_option("OUT", request.output, "What is written; - is standard output")
-        ->required()
-        ->type_name("");
-    convert->add_option("--from", request.from, "The form of IN, where its suffix does not say it")
-        ->type_name("csv|text|hex|xml");
-    convert->add_option("--to", request.to, "The form of OUT, where its suffix does not say it")
-        ->type_name("csv|text|hex|xml");
-    convert->add_option("--kind", request.kind, "What a text holds that does not begin with its kind")
-        ->type_name("KIND");
-    convert
-        ->add_option("--method", request.method,
-                     "Of hex: 0 keeps every bit (the first choice), 1, 2 and 3 take 2, 3 and 6 bytes a point")
-        ->type_name("0..3");
-    convert->add_option("--precision", request.precision, "Digits of points in text and xml; 15 else")
-        ->type_name("N");
-    convert->add_flag("--bare", request.bare, "A text without the word for its kind");
-    return convert;
-}
-
-CLI::App* add_show(CLI::App& app, show_request& request) {
-    CLI::App* const show = app.add_subcommand("show", "Report and draw the points or the record in a file");
-    show->add_option("FILE", request.file, "As convert writes them; - is standard input")
-        ->required()
-        ->type_name("");
-    show->add_option("--from", request.from, "The form of FILE, where its suffix does not say it")
-        ->type_name("csv|text|hex|xml");
-    show->add_option(
-            "--kind", request.kind,
-            "What a text holds that does not begin with its kind; open-data or closed-data joins points")
-        ->type_name("KIND");
-    show->add_option("-o", request.output, "A picture (.svg, .png, .pdf) or a table of points (.csv, or -)")
-        ->type_name("PICTURE");
-    return show;
-}
-
-CLI::App* add_construct(CLI::App& app, construct_request& request) {
-    CLI::App* const construct = app.add_subcommand("construct", "Construct a feature from others");
-    auto const option = [construct](char const* name, std::string& value, char const* form,
-                                    char const* what) {
-        return construct->add_option(name, value, what)->type_name(form);
-    };
-    option("WHAT", request.what, "", "The construction, as listed below")->required();
-    construct
-        ->add_option("FEATURE", request.features, "A file of a record or of points, or 'KIND PARAMETERS'")
-        ->type_name("");
-    option("--radius", request.radius, "R", "The radius of tangent circles");
-    option("--as", request.form, "xy|space|circle|ellipse", "Which form, where a pair has several");
-    option("--choose", request.choose, "N", "The number of the answer, from 1; the first one else");
-    option("--update", request.update, "OLD",
-           "Choose as that file says, which --save wrote for the last part");
-    option("--save", request.save, "FILE", "Write which answer is chosen, for --update on the next part");
-    construct->add_flag("--json", request.json, "Write JSON instead of text");
-    option("--record", request.record, "text|xml",
-           "Print the chosen answer in this form instead of the report");
-    option("--record-file", request.record_file, "OUT.txt|xml", "Write the chosen answer into this file");
-    option("--plot", request.plot, "PICTURE.svg|png|pdf", "Draw the features and all answers");
-    construct->add_option("--view", request.view, "Turn all before it is drawn, as seen along -Z")
-        ->type_name("YAW PITCH ROLL")
-        ->expected(3);
-    option("--from", request.from, "csv|text|hex|xml", "The form of files whose suffix does not say it");
-    option("-o", request.sheet, "PICTURE", "Of construct sheet: samples of all constructions");
-    construct->footer(construct_help());
-    return construct;
-}
-
 bool is_number(std::string const& word) {
     double ignored = 0;
     std::string reason;
@@ -246,6 +65,7 @@ bool is_number(std::string const& word) {
 std::size_t most_numbers(std::string const& word) {
     if (word == "--center" || word == "--through") return 3;
     if (word == "--parallel" || word == "--perpendicular") return 4;
+    if (word == "--pixel") return 2;
     return word == "--tangent" ? 6 : 0;
 }
 
@@ -274,8 +94,8 @@ std::vector<std::string> words_of(int argc, char** argv) {
 
 exit_status run(int argc, char** argv) {
     CLI::App app(
-        "Fits geometric features and zones to measured points, constructs features from others, draws "
-        "shapes, and converts all of them.",
+        "Fits geometric features, zones and corrections to measured points, constructs features from others, "
+        "draws shapes, and converts all of them.",
         "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
@@ -288,6 +108,8 @@ exit_status run(int argc, char** argv) {
     convert_request to_convert;
     show_request to_show;
     construct_request to_construct;
+    calibrate_request to_calibrate;
+    correct_request to_correct;
     add_fit(app, to_fit);
     CLI::App const* const zone = add_zone(app, to_zone);
     CLI::App const* const mesh = add_mesh(app, to_mesh);
@@ -295,6 +117,8 @@ exit_status run(int argc, char** argv) {
     CLI::App const* const convert = add_convert(app, to_convert);
     CLI::App const* const show = add_show(app, to_show);
     CLI::App const* const construct = add_construct(app, to_construct);
+    CLI::App const* const calibrate = add_calibrate(app, to_calibrate);
+    CLI::App const* const correct = add_correct(app, to_correct);
     try {
         app.parse(words_of(argc, argv));
         if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1 ||
@@ -316,6 +140,8 @@ exit_status run(int argc, char** argv) {
     if (convert->parsed()) return run_convert(to_convert, std::cout, std::cerr);
     if (construct->parsed()) return run_construct(to_construct, std::cout, std::cerr);
     if (show->parsed()) return run_show(to_show, std::cout, std::cerr);
+    if (calibrate->parsed()) return run_calibrate(to_calibrate, std::cout, std::cerr);
+    if (correct->parsed()) return run_correct(to_correct, std::cout, std::cerr);
     return run_fit(to_fit, std::cout, std::cerr);
 }
 

@@ -4,28 +4,13 @@
 #include <vector>
 
 #include "fitting/point_span.h"
+#include "geometry/xy.h"
 #include "tvmath/array.h"
 #include "tvmath/point.h"
 #include "tvmath/transform.h"
 
 inline namespace tvmath {
 
-/// Two plain numbers in XY, for inner loops.
-struct xy {
-    double x = 0, y = 0;
-};
-inline xy operator+(xy a, xy b) {
-    return {a.x + b.x, a.y + b.y};
-}
-inline xy operator-(xy a, xy b) {
-    return {a.x - b.x, a.y - b.y};
-}
-inline xy operator*(double s, xy a) {
-    return {s * a.x, s * a.y};
-}
-inline double dot(xy a, xy b) {
-    return a.x * b.x + a.y * b.y;
-}
 /// Turned by a quarter, anticlockwise.
 inline xy quarter_turned(xy a) {
     return {-a.y, a.x};

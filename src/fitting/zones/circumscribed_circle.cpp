@@ -42,7 +42,7 @@ contact_circle enclosing(contact_circle const& c, xy p) {
 // balls, ESA 1999, LNCS 1643, 325-338; optimality: E. Welzl, Smallest enclosing disks (balls and
 // ellipsoids), LNCS 555 (1991) 359-370.
 circle minimum_circumscribed_circle(std::vector<point> const& points) {
-    zone_points const all(points);
+    ring_points const all(points);
     if (all.count == 0) return circle();
     std::vector<xy> corners;
     for (std::size_t i : all.extremes(16)) corners.push_back(all[i]);

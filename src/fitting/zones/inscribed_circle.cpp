@@ -8,24 +8,17 @@
 inline namespace tvmath {
 namespace {
 
-double length(xy a) {
-    return std::sqrt(dot(a, a));
-}
-double cross(xy a, xy b) {
-    return a.x * b.y - a.y * b.x;
-}
-
 // Squared distances of coordinates up to 1 are rounded by a few 1e-16.
 constexpr double rounding = 4e-15;
 
-std::vector<xy> corners_of(zone_points const& all, unsigned int directions) {
+std::vector<xy> corners_of(ring_points const& all, unsigned int directions) {
     std::vector<xy> corners;
     for (std::size_t i : all.extremes(directions)) corners.push_back(all[i]);
     return corners;
 }
 
 // Points on a line, to a rounding: the circle on the largest gap between neighbours.
-bool on_a_line(zone_points const& all, std::vector<xy> const& corners, double resolution) {
+bool on_a_line(ring_points const& all, std::vector<xy> const& corners, double resolution) {
     xy const a = corners[0];
     xy far = a;
     for (xy p : corners) {
@@ -40,7 +33,7 @@ bool on_a_line(zone_points const& all, std::vector<xy> const& corners, double re
     return true;
 }
 
-contact_circle largest_gap(zone_points const& all) {
+contact_circle largest_gap(ring_points const& all) {
     std::vector<xy> sorted;
     for (std::size_t i = 0; i < all.count; ++i) sorted.push_back(all[i]);
     // Along a line the lexicographic order is the one on the line.
@@ -68,7 +61,7 @@ double emptiness_along(xy a, xy b, std::vector<xy> const& few) {
 }
 
 // How far points lie beyond the side from a to b, seen from inside a polygon that runs anticlockwise.
-double height_beyond(zone_points const& all, xy a, xy b) {
+double height_beyond(ring_points const& all, xy a, xy b) {
     xy const outward = 1 / length(b - a) * xy{b.y - a.y, a.x - b.x};
     zone_center const away{-outward.x / 2, -outward.y / 2, 0};
     power_range range{-infinity, dot(outward, a)};
@@ -76,7 +69,7 @@ double height_beyond(zone_points const& all, xy a, xy b) {
     return range.high - dot(outward, a);
 }
 
-bool holds(zone_points const& all, std::vector<xy> const& fence, double radius, std::vector<xy> const& few) {
+bool holds(ring_points const& all, std::vector<xy> const& fence, double radius, std::vector<xy> const& few) {
     for (std::size_t i = 0; i < fence.size(); ++i) {
         xy const a = fence[i], b = fence[(i + 1) % fence.size()];
         if (length(b - a) <= radius) continue;
@@ -97,7 +90,7 @@ bool holds(zone_points const& all, std::vector<xy> const& fence, double radius, 
 // few. A c outside the fence lies in a cap between a side and the corner beyond, whose angle is obtuse,
 // together with a contact, since contacts enclose c: their distance is below the side's length, and c is
 // no farther from the few than the height of the cap and the emptiness of the side.
-contact_circle from_few(zone_points const& all, std::vector<xy> const& fence) {
+contact_circle from_few(ring_points const& all, std::vector<xy> const& fence) {
     std::vector<xy> few = fence;
     std::size_t const stride = all.count / 48 + 1;
     for (std::size_t i = 0; i < all.count; i += stride) few.push_back(all[i]);
@@ -112,7 +105,7 @@ contact_circle from_few(zone_points const& all, std::vector<xy> const& fence) {
     return {};
 }
 
-contact_circle largest_enclosed(zone_points const& all, std::vector<xy> const& fence) {
+contact_circle largest_enclosed(ring_points const& all, std::vector<xy> const& fence) {
     constexpr std::size_t small = 128;  // as many as the few would become
     if (all.count > small) {
         contact_circle const c = from_few(all, fence);
@@ -126,7 +119,7 @@ contact_circle largest_enclosed(zone_points const& all, std::vector<xy> const& f
 }  // namespace
 
 circle maximum_inscribed_circle(std::vector<point> const& points) {
-    zone_points const all(points);
+    ring_points const all(points);
     if (all.count < 3 || all.distinct() < 3) return circle();
     std::vector<xy> const corners = corners_of(all, 16);
     double const farthest = std::fmax(std::fabs(all.centroid.x()), std::fabs(all.centroid.y()));

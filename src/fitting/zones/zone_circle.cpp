@@ -20,7 +20,7 @@ constexpr int most_triangles = 1000000;
 constexpr double least_curvature = 1e-12;
 
 // A centre by least squares from at most some hundred points: the result does not depend on it.
-zone_center starting_center(zone_points const& all) {
+zone_center starting_center(ring_points const& all) {
     std::vector<point> sample;
     std::size_t const stride = all.count / 200 + 1;
     for (std::size_t i = 0; i < all.count; i += stride) sample.emplace_back(true, all[i].x, all[i].y);
@@ -42,7 +42,7 @@ zone_center iterated(zone_center const& start, std::vector<xy> const& points) {
 }
 
 // Whether all points are in the ring that just holds the few; if not, some of them join the few.
-bool holds_all(zone_points const& all, zone_center const& c, xy pole, std::vector<xy>& few) {
+bool holds_all(ring_points const& all, zone_center const& c, xy pole, std::vector<xy>& few) {
     power_range held, range;
     for (xy p : few) held.widen(power_about(c, p));
     double const slack = rounding * (c.t + std::sqrt(c.square()));
@@ -54,7 +54,7 @@ bool holds_all(zone_points const& all, zone_center const& c, xy pole, std::vecto
 // The least width amid few of the points bounds that of all from below, so a ring that is the narrowest amid
 // few and holds all is the narrowest of all. While points are beyond it, some of them join the few. The
 // iteration alone finds nearly all that are needed, with less work than the search.
-bool narrowest_of_all(zone_points const& all, zone_ring& ring) {
+bool narrowest_of_all(ring_points const& all, zone_ring& ring) {
     zone_center const start = starting_center(all);
     std::vector<xy> few;
     for (std::size_t i : all.extremes(16)) few.push_back(all[i]);
@@ -76,7 +76,7 @@ bool narrowest_of_all(zone_points const& all, zone_ring& ring) {
 }
 
 // The ring of any circle through two places has no width; the smallest one is as good a choice as any.
-circle circle_on_two(zone_points const& all) {
+circle circle_on_two(ring_points const& all) {
     xy const a = all[0];
     std::size_t i = 1;
     while (all[i].x == a.x && all[i].y == a.y) ++i;
@@ -85,13 +85,13 @@ circle circle_on_two(zone_points const& all) {
 }
 
 // In closed form from differences: of three points near a line, an algebraic fit loses digits.
-circle circle_on_three(zone_points const& all) {
+circle circle_on_three(ring_points const& all) {
     xy const c = circumcenter(all[0], all[1], all[2]), d = all[0] - c;
     double const radius = std::sqrt(dot(d, d));
     return radius * least_curvature < 1 ? all.place(c, radius) : circle();
 }
 
-circle amid(zone_center const& c, zone_points const& all) {
+circle amid(zone_center const& c, ring_points const& all) {
     if (!(c.t > least_curvature)) return circle();
     power_range range;
     all.visit_beyond(c, range, [&range](std::size_t, double a) { range.widen(a); });
@@ -104,7 +104,7 @@ circle amid(zone_center const& c, zone_points const& all) {
 }  // namespace
 
 circle minimum_zone_circle(std::vector<point> const& points) {
-    zone_points const all(points);
+    ring_points const all(points);
     if (all.count < 3) return circle();
     int const places = all.distinct();
     if (places == 1) return circle(0.0, all.centroid);

@@ -33,7 +33,7 @@ TVMATH_WIDE_LOOP power_range range_of(double const* x, double const* y, std::siz
 
 }  // namespace
 
-zone_points::zone_points(std::vector<point> const& points) : centroid(point_fit(points)) {
+ring_points::ring_points(std::vector<point> const& points) : centroid(point_fit(points)) {
     if (centroid.is_trivial()) return;
     std::size_t const padded = (points.size() + 3) / 4 * 4;
     x_.resize(padded);
@@ -60,7 +60,7 @@ zone_points::zone_points(std::vector<point> const& points) : centroid(point_fit(
     std::fill(y_.begin() + static_cast<std::ptrdiff_t>(count), y_.end(), y_[0]);
 }
 
-int zone_points::distinct() const {
+int ring_points::distinct() const {
     std::size_t other = 0;
     for (std::size_t i = 1; i < count; ++i) {
         if (x_[i] == x_[0] && y_[i] == y_[0]) continue;
@@ -70,13 +70,13 @@ int zone_points::distinct() const {
     return other == 0 ? 1 : 2;
 }
 
-power_range zone_points::block_range(std::size_t first, zone_center const& c) const {
+power_range ring_points::block_range(std::size_t first, zone_center const& c) const {
     return range_of(x_.data() + first, y_.data() + first, std::min(block, x_.size() - first), c);
 }
 
 // The block that holds an extreme is searched for it in the end, once: along a contour in order, the extremes
 // so far change in every other block.
-std::size_t zone_points::index_in(std::size_t first, zone_center const& c, double power) const {
+std::size_t ring_points::index_in(std::size_t first, zone_center const& c, double power) const {
     std::size_t const end = std::min(first + block, count);
     for (std::size_t i = first; i < end; ++i) {
         if (power_about(c, x_[i], y_[i]) == power) return i;
@@ -84,7 +84,7 @@ std::size_t zone_points::index_in(std::size_t first, zone_center const& c, doubl
     return 0;  // the padding, a copy of point 0
 }
 
-std::size_t zone_points::farthest_from(zone_center const& c, double& power) const {
+std::size_t ring_points::farthest_from(zone_center const& c, double& power) const {
     std::size_t best = 0;
     power = -infinity;
     for (std::size_t first = 0; first < count; first += block) {
@@ -96,7 +96,7 @@ std::size_t zone_points::farthest_from(zone_center const& c, double& power) cons
     return index_in(best, c, power);
 }
 
-std::vector<std::size_t> zone_points::extremes(unsigned int directions) const {
+std::vector<std::size_t> ring_points::extremes(unsigned int directions) const {
     struct extreme {
         zone_center along;
         power_range range;
@@ -126,7 +126,7 @@ std::vector<std::size_t> zone_points::extremes(unsigned int directions) const {
     return corners;
 }
 
-bool sector_picks::add_beyond(zone_points const& points, zone_center const& c, power_range const& limits,
+bool sector_picks::add_beyond(ring_points const& points, zone_center const& c, power_range const& limits,
                               xy pole, std::vector<xy>& support, power_range& range) {
     struct pick {
         double excess = 0;

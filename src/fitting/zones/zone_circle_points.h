@@ -53,10 +53,10 @@ struct power_range {
 
 /// Measured points for the zone circles: by x and y, relative to the centroid and divided by `size`, a power
 /// of two, so that every coordinate is at most 1: thresholds below are then the same for every part.
-class zone_points {
+class ring_points {
 public:
     /// `count` is 0 for an empty list and for one with a trivial point or a coordinate that is not finite.
-    explicit zone_points(std::vector<point> const& points);
+    explicit ring_points(std::vector<point> const& points);
 
     std::size_t count = 0;
     point centroid;
@@ -117,7 +117,7 @@ public:
     /// Adds to `support` the points whose power about `c` is outside `limits`; false when there is none.
     /// `range` becomes that of all points where it is wider than the limits. The sectors are taken about
     /// `pole`.
-    static bool add_beyond(zone_points const& points, zone_center const& c, power_range const& limits,
+    static bool add_beyond(ring_points const& points, zone_center const& c, power_range const& limits,
                            xy pole, std::vector<xy>& support, power_range& range);
 };
 

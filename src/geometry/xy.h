@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "geometry/xyz.h"
+#include "xyz.h"
 
 inline namespace tvmath {
 
@@ -31,6 +31,9 @@ inline double dot(xy const& a, xy const& b) {
 }
 inline double cross(xy const& a, xy const& b) {
     return a.x * b.y - a.y * b.x;
+}
+inline double length(xy const& a) {
+    return std::sqrt(dot(a, a));
 }
 /// The larger of both magnitudes: within sqrt(2) of the length, and enough for bounds of rounding.
 inline double size(xy const& a) {
