@@ -2,6 +2,7 @@
 #include <cmath>
 #include <limits>
 
+#include "imaging/row_pointers.h"
 #include "tvmath/image.h"
 
 inline namespace tvmath {
@@ -26,13 +27,12 @@ struct gradient_sums {
 
 // The gradients over strips about (x, y), `radius` long to each side and 2 `half_width` + 1 wide, all of them
 // inside the image.
-void add_gradient(gradient_sums& sums, vector const* row, int x, int y, int radius, int half_width) {
-    auto const at = [row](int column, int line) { return row[line][static_cast<unsigned int>(column)]; };
+void add_gradient(gradient_sums& sums, row_pointers const& row, int x, int y, int radius, int half_width) {
     double gx = 0, gy = 0;
     for (int k = 0; k <= radius; ++k) {
         for (int j = -half_width; j <= half_width; ++j) {
-            gx += at(x + k, y + j) - at(x - k, y + j);
-            gy += at(x + j, y + k) - at(x + j, y - k);
+            gx += row[y + j][x + k] - row[y + j][x - k];
+            gy += row[y + k][x + j] - row[y - k][x + j];
         }
     }
     sums.x += gx;
@@ -49,6 +49,7 @@ gradient_sums sum_gradients(image const& m, int radius, int half_width) {
     int const step = std::min(radius, std::max(1, (least - 2 * radius) / 4));
     int const center_x = (c - 1) / 2, center_y = (r - 1) / 2;
     double const reach = least / 2 - radius;
+    row_pointers const row(m);
     gradient_sums sums;
     for (int y = radius; y < r; y += step) {
         double const h = y - center_y, squares = reach * reach - h * h;
@@ -57,7 +58,7 @@ gradient_sums sum_gradients(image const& m, int radius, int half_width) {
         int first = std::max(radius, static_cast<int>(std::ceil(center_x - s)));
         int const last = std::min(c - 1 - radius, static_cast<int>(std::floor(center_x + s)));
         first += (last - first + 1) % step / 2;  // centred on the row
-        for (int x = first; x <= last; x += step) add_gradient(sums, m.begin(), x, y, radius, half_width);
+        for (int x = first; x <= last; x += step) add_gradient(sums, row, x, y, radius, half_width);
     }
     return sums;
 }

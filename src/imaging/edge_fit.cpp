@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "imaging/row_pointers.h"
 #include "tvmath/feature_switches.h"
 #include "tvmath/polynomial.h"
 
@@ -43,7 +44,7 @@ class edge_fit {
 public:
     /// Over the columns `first` to `last` - 1 of `gradient`, which must outlive the fit.
     edge_fit(image const& gradient, int first, int last, vector start)
-        : row_(gradient.begin()),
+        : row_(gradient),
           bottom_(static_cast<int>(rows(gradient)) - 1),
           first_(first),
           last_(last),
@@ -68,7 +69,7 @@ private:
         if (!(y > 0)) return 0;
         return y < bottom_ ? static_cast<int>(y) : bottom_;
     }
-    double at(int r, int x) const { return row_[r][static_cast<unsigned int>(x)]; }
+    double at(int r, int x) const { return row_[r][x]; }
 
     // All the rows within 2 sigma of the curve, each weighted by its value.
     void fit_band() {
@@ -77,13 +78,14 @@ private:
         for (int x = first_; x < last_; ++x) {
             double const u = x + 0.5, p = poly(u, c_);
             int const lo = row_of(p - 2 * sigma_), hi = row_of(p + 2 * sigma_);
-            double column_weights = 0, weighted_y = 0;
+            double column_squares = 0, column_weights = 0, weighted_y = 0;
             for (int r = lo; r <= hi; ++r) {
                 double const v = r + 0.5, g = at(r, x);
-                squares += v * v * g;
+                column_squares += v * v * g;
                 column_weights += g;
                 weighted_y += g * v;
             }
+            squares += column_squares;
             weights += column_weights;
             equations.add_column(u, column_weights, weighted_y);
         }
@@ -132,7 +134,7 @@ private:
         return true;
     }
 
-    vector const* row_;
+    row_pointers row_;
     int bottom_, first_, last_;
     double sigma_;  // spread of the edge strength about the curve, at least half a pixel
     vector c_;

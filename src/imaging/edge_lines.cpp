@@ -1,6 +1,7 @@
 #include <cmath>
 #include <utility>
 
+#include "imaging/row_pointers.h"
 #include "tvmath/image.h"
 
 inline namespace tvmath {
@@ -79,6 +80,7 @@ bool image::edge_points(double x, double y, double dx, double dy, pixel& first, 
 image& image::hough(int offsets, int angles) {
     image lines(static_cast<unsigned int>(offsets > 0 ? offsets : 0),
                 static_cast<unsigned int>(angles > 0 ? angles : 0));
+    row_pointers const row(*this);
     vector* const result = lines.lazycopy_begin();
     for (unsigned int a = 0; a < cols(lines); ++a) {
         double const theta = pi / 2 - 0.2 + (a + 0.5) * 0.4 / angles;
@@ -86,7 +88,7 @@ image& image::hough(int offsets, int angles) {
         double x = cols(*this) / 2 + start * c, y = rows(*this) / 2 + start * s;
         for (int r = 0; r < offsets; ++r, x += c, y += s) {
             pixel first, second;
-            if (edge_points(x, y, -s, c, first, second)) result[r](a) = line_ave(first, second);
+            if (edge_points(x, y, -s, c, first, second)) result[r](a) = mean_under_line(row, first, second);
         }
     }
     return *this = lines.enhance();

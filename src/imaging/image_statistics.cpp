@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <limits>
 
 #include "geometry/point_lanes.h"
+#include "imaging/row_pointers.h"
 #include "tvmath/image.h"
 
 inline namespace tvmath {
@@ -78,23 +78,11 @@ bool image::local_rms(double& rms) const {
 
 double image::line_ave(pixel from, pixel to) const {
     if (!lies_in(*this, from) || !lies_in(*this, to)) return std::numeric_limits<double>::quiet_NaN();
-    bool const along_x = std::abs(to.x - from.x) > std::abs(to.y - from.y);
-    // From here on x runs along the line, whichever axis that is.
-    if (!along_x) from = pixel(from.y, from.x), to = pixel(to.y, to.x);
-    if (to.x < from.x) pixel::swap(from, to);
-    int const d = to.x - from.x, e = std::abs(to.y - from.y), step = to.y < from.y ? -1 : 1;
-    vector const* const row = begin();
-    double sum = 0;
-    int y = from.y, err = -d / 2;
-    for (int x = from.x; x <= to.x; ++x) {
-        sum += along_x ? row[y][static_cast<unsigned int>(x)] : row[x][static_cast<unsigned int>(y)];
-        err += e;
-        if (err > 0) {
-            err -= d;
-            y += step;
-        }
-    }
-    return sum / (d + 1.0);
+    struct {
+        vector const* row;
+        double const* operator[](int y) const { return row[y].begin(); }
+    } const few_rows{begin()};
+    return mean_under_line(few_rows, from, to);
 }
 
 }  // namespace tvmath
