@@ -37,6 +37,8 @@ public:
         // Each border's place along the line, times dx dy.
         double const a = (left - x_) * dy_, b = (right - x_) * dy_;
         double const c = (top - y_) * dx_, d = (bottom - y_) * dx_;
+        // From far enough away opposite borders fall together, and nothing tells where the line meets them.
+        if ((dy_ != 0 && a == b) || (dx_ != 0 && c == d)) return false;
         return find_end(left, top, a, c, b, d, first) && find_end(right, bottom, b, d, a, c, second);
     }
 
