@@ -88,21 +88,26 @@ public:
     /// nothing.
     image& vertical_edge_gradient(bool wrap);
 
-    /// Direction of the normal of the dominant edge, in radians from +x towards +y, from the scatter of box
-    /// gradients of size 2 `radius` by 2 `half_width` + 1 in the inscribed circle. Within plus or minus
-    /// pi / 2, whichever side is bright; only when the gradients run along an axis to the last digits
-    /// does the angle point to the bright side, from -pi / 2 to pi. NaN unless 0 <= `half_width` < `radius`
-    /// and 2 `radius` is below the rows and the columns.
+    /// Direction of the normal of the dominant edge, in radians from +x towards +y, from the scatter of
+    /// differences between strips of `radius` by 2 `half_width` + 1 pixels, taken over the inscribed circle.
+    /// Within plus or minus pi / 2, whichever side is bright; only when the gradients run along an axis to
+    /// the last digits does the angle point to the bright side, from -pi / 2 to pi. NaN unless 0 <=
+    /// `half_width` < `radius` and 2 `radius` is below the rows and the columns.
+    ///
+    /// A strip sees directions alike when `half_width` is about two thirds of `radius` and the edge is not
+    /// much sharper than the strip: with 3 and 2 the error stays below 0.05 degrees for a blur of 2 pixels,
+    /// below 0.4 for one of 1 pixel. Long strips across sharp edges, such as 12 and 4, err by up to 5 degrees
+    /// between the axes and the diagonals.
     double find_normal_angle(unsigned int radius, int half_width) const;
 
     /// Climbs from `start` to the greatest of the 8 neighbours until none is greater. A plateau ends the
     /// climb. `start` itself when it lies outside the image.
     pixel find_peak(pixel start) const;
 
-    /// The pixels at which the line through (x, y) of direction (dx, dy) enters and leaves the image. For
-    /// dy from 0 up, both components or none negative, `first` is the one of smaller x, otherwise that of
-    /// greater x. False, outputs untouched, when the line misses the image, without direction, for an image
-    /// without rows or columns, and for numbers that are not finite.
+    /// The pixels at which the line through (x, y) of direction (dx, dy) enters and leaves the image. `first`
+    /// is the one of smaller y; on a line along the rows the one at which the direction enters. False,
+    /// outputs untouched, when the line misses the image, without direction, for an image without rows or
+    /// columns, and for numbers that are not finite or so large that they do not tell pixels apart.
     bool edge_points(double x, double y, double dx, double dy, pixel& first, pixel& second) const;
 
     /// Replaces the image by its line transform, `offsets` rows by `angles` columns: the mean grey along the

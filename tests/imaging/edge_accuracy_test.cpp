@@ -79,7 +79,7 @@ TEST(EdgeAccuracy, OfBlurredAndNoisyEdgesComesNearTheBound) {
             double const least = k.noise > 0 ? bound(c) : 0;
             for (deviation const& d : {measure(random_straight, c, n), measure(random_round, c, n)}) {
                 EXPECT_LT(std::fabs(d.bias), 0.01);
-                EXPECT_LT(d.spread, std::max(2 * least, 0.015));
+                EXPECT_LT(d.spread, std::hypot(2 * least, 0.015));
             }
         }
     }));

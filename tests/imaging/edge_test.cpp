@@ -4,27 +4,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "imaging/rendered_scene.h"
 #include "imaging/vision_switch.h"
-#include "support/seeded_random.h"
 #include "tvmath/polynomial.h"
 
 inline namespace tvmath {
 namespace {
-
-// The image of a function of row and column.
-template <class function>
-image made(unsigned int r, unsigned int c, function const& value) {
-    image m(r, c);
-    for (unsigned int y = 0; y < r; ++y) {
-        for (unsigned int x = 0; x < c; ++x) m(y)(x) = value(static_cast<double>(y), static_cast<double>(x));
-    }
-    return m;
-}
-
-image random_image(seeded_random& random, unsigned int r, unsigned int c) {
-    return made(r, c, [&](double, double) { return random.unit(); });
-}
 
 // Within the single precision of the running sums.
 void expect_equal(image const& a, image const& b) {
@@ -40,14 +27,14 @@ TEST(EdgeGradient, MeasuresChangesOfGreyAndOfTexture) {
             double const scale = is_new ? std::sqrt(0.5) : 1;
             // A slope of grey without texture: twice the slope, and once at the border, where the smoothed
             // slope has bent: its first rows are 2/3 and 11/9 (half of 2/3 + 1, thirds of that, 2 and 3).
-            image m = made(12, 16, [](double y, double) { return 0.05 * y; });
+            image m = image_of(12, 16, [](double y, double) { return 0.05 * y; });
             m.horizontal_edge_gradient(false);
             EXPECT_NEAR(m[6][8], scale * 0.1, 1e-6);
             EXPECT_NEAR(m[0][8], scale * 0.05 * ((0.5 + 1 + 2) / 3 - 0.75), 1e-6);
             // Bright and dark columns by turns from row 10 on, 0.2 about the mean. Over 5 columns each
             // deviates by 0.8 of that from the mean, and is itself 1/9 after two means of 3. Down the columns
             // these two are weights of 1 2 3 2 1 ninths, of which 5 lie between the rows beside the edge.
-            m = made(20, 18, [](double y, double x) {
+            m = image_of(20, 18, [](double y, double x) {
                 return y < 10 ? 0.5 : static_cast<int>(x) % 2 ? 0.3 : 0.7;
             });
             m.horizontal_edge_gradient(false);
@@ -66,19 +53,17 @@ TEST(EdgeGradient, MeasuresChangesOfGreyAndOfTexture) {
             }
         }));
     }
-    image const row = made(1, 5, [](double, double x) { return x; });
+    image const row = image_of(1, 5, [](double, double x) { return x; });
     image across = row, along = row;
     expect_equal(across.horizontal_edge_gradient(true), row);
     expect_equal(along.vertical_edge_gradient(true), row);
 }
 
-TEST(EdgeGradient, OfHugeAndBadPixelsStaysInRange) {
+// No number in a pixel leads outside the image; a sanitizer would tell.
+TEST(EdgeGradient, OfBadPixelsDoesNoHarm) {
     EXPECT_TRUE(with_new_algorithms(true, [] {
-        // The squares overflow, their root does not. The smoothed grey is single precision and infinite.
-        image m = made(6, 3, [](double y, double) { return y < 3 ? 0 : 1e30; });
-        EXPECT_NEAR(m.vertical_edge_gradient(false)[0][1], 0, 0);
         for (double const bad : {std::nan(""), infinity, 1e308}) {
-            m = made(9, 9, [=](double y, double x) { return y == 4 && x == 4 ? bad : 0.0; });
+            image m = image_of(9, 9, [=](double y, double x) { return y == 4 && x == 4 ? bad : 0.0; });
             EXPECT_EQ(lsf_edge(m.horizontal_edge_gradient(true)).capacity(), 3u);
             EXPECT_EQ(lsf_edge2(m, pi / 2, 0).capacity(), 3u);
             m.find_normal_angle(2, 1);
@@ -96,23 +81,20 @@ TEST(NormalAngle, IsTheDirectionOfASlope) {
         double const angle = axis ? pi / 2 * (trial / 4 % 4 - 1) : random.uniform(-pi, pi);
         double const dx = axis ? std::round(std::cos(angle)) : std::cos(angle);
         double const dy = axis ? std::round(std::sin(angle)) : std::sin(angle);
-        double const found = made(r, c, [=](double y, double x) {
+        double const found = image_of(r, c, [=](double y, double x) {
                                  return dx * x + dy * y;
                              }).find_normal_angle(radius, half_width);
         // The bright side is told along an axis alone.
         double const expected = axis ? angle : std::remainder(angle, pi);
         EXPECT_NEAR(found, expected, 1e-12)
             << r << " by " << c << ", radius " << radius << ", " << half_width;
-        struct {
-            unsigned int radius;
-            int half_width;
-        } const refused[] = {{0, 0},
-                             {radius, static_cast<int>(radius)},
-                             {radius, -1},
-                             {(std::min(r, c) + 1) / 2, 0},
-                             {~0u, 0}};
-        for (auto const& p : refused)
-            EXPECT_TRUE(std::isnan(image(r, c).find_normal_angle(p.radius, p.half_width)));
+        std::pair<unsigned int, int> const refused[] = {{0, 0},
+                                                        {radius, static_cast<int>(radius)},
+                                                        {radius, -1},
+                                                        {(std::min(r, c) + 1) / 2, 0},
+                                                        {~0u, 0}};
+        for (auto [too_long, width] : refused)
+            EXPECT_TRUE(std::isnan(image(r, c).find_normal_angle(too_long, width)));
     }
 }
 
@@ -186,23 +168,14 @@ TEST(EdgePoints, OfLinesThroughCornersAndOfBadLines) {
         double x, y, dx, dy;
         bool hit;
         pixel first, second;
-    } const cases[] = {
-        {0, 0, 1, 1, true, {0, 0}, {7, 7}},
-        {0, 8, 1, -1, true, {7, 0}, {0, 7}},
-        {4, 4, -2, -2, true, {0, 0}, {7, 7}},
-        {4, 4, -1, 1, true, {7, 0}, {0, 7}},
-        {3.5, 99, 0, 1, true, {3, 0}, {3, 7}},
-        {99, 2.5, -3, 0, true, {7, 2}, {0, 2}},
-        {9, 4, 0, 1, false, {}, {}},
-        {4, -1, 1, 0, false, {}, {}},
-        {4, 4, 0, 0, false, {}, {}},
-        {NAN, 4, 1, 0, false, {}, {}},
-        {4, 4, NAN, 1, false, {}, {}},
-        {4, 4, infinity, 1, false, {}, {}},
-        {-infinity, 4, 1, 0, false, {}, {}},
-        {1e300, 1e300, 1, 1, false, {}, {}},
-        {1e17, 1e17 + 16, 1, 1, false, {}, {}},
-    };
+    } const cases[] = {{0, 0, 1, 1, true, {0, 0}, {7, 7}},    {0, 8, 1, -1, true, {7, 0}, {0, 7}},
+                       {4, 4, -2, -2, true, {0, 0}, {7, 7}},  {4, 4, -1, 1, true, {7, 0}, {0, 7}},
+                       {3.5, 99, 0, 1, true, {3, 0}, {3, 7}}, {99, 2.5, -3, 0, true, {7, 2}, {0, 2}},
+                       {9, 4, 0, 1, false, {}, {}},           {4, -1, 1, 0, false, {}, {}},
+                       {4, 4, 0, 0, false, {}, {}},           {NAN, 4, 1, 0, false, {}, {}},
+                       {4, 4, NAN, 1, false, {}, {}},         {4, 4, infinity, 1, false, {}, {}},
+                       {-infinity, 4, 1, 0, false, {}, {}},   {1e300, 1e300, 1, 1, false, {}, {}},
+                       {1e17, 1e17 + 16, 1, 1, false, {}, {}}};
     for (auto const& c : cases) {
         SCOPED_TRACE(testing::Message() << c.x << ' ' << c.y << ' ' << c.dx << ' ' << c.dy);
         pixel first, second;
@@ -220,7 +193,7 @@ TEST(Hough, TurnsALineIntoASpot) {
         int const r = static_cast<int>(random.below(30)), a = static_cast<int>(random.below(20));
         double const theta = pi / 2 - 0.2 + (a + 0.5) * 0.02, c = std::cos(theta), s = std::sin(theta);
         double const distance = r + 0.5 - 15;  // from the middle (40, 30), along the normal
-        image m = made(60, 80, [=](double y, double x) {
+        image m = image_of(60, 80, [=](double y, double x) {
             return std::exp(-0.5 * std::pow((x + 0.5 - 40) * c + (y + 0.5 - 30) * s - distance, 2));
         });
         m.hough(30, 20);
@@ -236,7 +209,7 @@ TEST(Hough, TurnsALineIntoASpot) {
 
 // A ridge of two rows in each column, whose centroid lies on the curve: least squares fit it exactly.
 image two_row_ridge(unsigned int r, unsigned int c, vector const& curve) {
-    return made(r, c, [&](double y, double x) {
+    return image_of(r, c, [&](double y, double x) {
         return std::max(0.0, 1 - std::fabs(y + 0.5 - poly(x + 0.5, curve)));
     });
 }
@@ -269,7 +242,7 @@ TEST(LsfEdge, FindsTheCurveOfARidge) {
 
 // With the new method a column takes part with the peak that the curve lies on, and not at all in a valley.
 TEST(LsfEdge, LeavesOutColumnsWithTheCurveInAValley) {
-    image const doubled = made(40, 60, [](double y, double x) {
+    image const doubled = image_of(40, 60, [](double y, double x) {
         double const d = std::fabs(y - 20);
         return x < 50 ? (d == 0 ? 1.0 : d == 1 ? 0.4 : 0.0) : y == 22 ? 0.9 : y == 19 ? 0.5 : 0.0;
     });

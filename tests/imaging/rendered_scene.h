@@ -7,6 +7,23 @@
 
 inline namespace tvmath {
 
+/// The image of a function of the numbers of row and column, called row by row.
+template <class function>
+image image_of(unsigned int rows, unsigned int cols, function const& value) {
+    image m(rows, cols);
+    vector* const row = m.lazycopy_begin();
+    for (unsigned int y = 0; y < rows; ++y) {
+        double* const v = row[y].lazycopy_begin();
+        for (unsigned int x = 0; x < cols; ++x) v[x] = value(static_cast<double>(y), static_cast<double>(x));
+    }
+    return m;
+}
+
+/// Greys from black to white.
+inline image random_image(seeded_random& random, unsigned int rows, unsigned int cols) {
+    return image_of(rows, cols, [&](double, double) { return random.unit(); });
+}
+
 /// How a scene becomes an image. Grey values are fractions of white, lengths pixels.
 struct camera {
     double blur = 1;         // standard deviation of the edge's profile, before the pixels take their area
@@ -58,18 +75,13 @@ double area_sample(signed_distance const& distance, double blur, double left, do
 template <class signed_distance>
 image rendered_scene(unsigned int rows, unsigned int cols, signed_distance const& distance, camera const& c) {
     seeded_random random(c.seed);
-    image result(rows, cols);
-    vector* const row = result.lazycopy_begin();
-    for (unsigned int y = 0; y < rows; ++y) {
-        double* const v = row[y].lazycopy_begin();
-        for (unsigned int x = 0; x < cols; ++x) {
-            double const share = area_sample(distance, c.blur, x, y);
-            v[x] = c.dark + c.contrast * share;
-            if (c.noise > 0) v[x] += c.noise * random.normal();
-            if (c.roughness > 0) v[x] += c.roughness * share * random.normal();
-        }
-    }
-    return result;
+    return image_of(rows, cols, [&](double y, double x) {
+        double const share = area_sample(distance, c.blur, x, y);
+        double v = c.dark + c.contrast * share;
+        if (c.noise > 0) v += c.noise * random.normal();
+        if (c.roughness > 0) v += c.roughness * share * random.normal();
+        return v;
+    });
 }
 
 }  // namespace tvmath
