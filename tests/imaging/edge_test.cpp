@@ -78,7 +78,8 @@ TEST(NormalAngle, IsTheDirectionOfASlope) {
         unsigned int const c = 2 * radius + 1 + random.below(20);
         int const half_width = static_cast<int>(random.below(radius));
         bool const axis = trial % 4 == 0;
-        double const angle = axis ? pi / 2 * (trial / 4 % 4 - 1) : random.uniform(-pi, pi);
+        double const angle =
+            axis ? pi / 2 * (trial / 4 % 4 - 1) : random.uniform(-1, 1) * (trial % 4 == 1 ? 1e-6 : pi);
         double const dx = axis ? std::round(std::cos(angle)) : std::cos(angle);
         double const dy = axis ? std::round(std::sin(angle)) : std::sin(angle);
         double const found = image_of(r, c, [=](double y, double x) {
@@ -95,6 +96,25 @@ TEST(NormalAngle, IsTheDirectionOfASlope) {
                                                         {~0u, 0}};
         for (auto [too_long, width] : refused)
             EXPECT_TRUE(std::isnan(image(r, c).find_normal_angle(too_long, width)));
+    }
+}
+
+// One bright pixel shows whether a strip about a sample of the grid holds it: below or above that sample, for
+// else the answer is 0. In 6 by 6 the circle is about (2, 2), and its lowest sample (2, 4). In 18 by 18 with
+// steps of 3 the highest row of the circle has samples at 5, 8 and 11.
+TEST(NormalAngle, SamplesTheGridInTheCircle) {
+    struct {
+        unsigned int size, radius, x, y;
+        double angle;
+    } const cases[] = {{6, 1, 2, 5, pi / 2},
+                       {6, 1, 3, 5, 0},
+                       {18, 3, 5, 0, -pi / 2},
+                       {18, 3, 6, 0, 0},
+                       {18, 3, 8, 0, -pi / 2}};
+    for (auto const& c : cases) {
+        image m(c.size, c.size);
+        m(c.y)(c.x) = 1;
+        EXPECT_EQ(m.find_normal_angle(c.radius, 0), c.angle) << c.x << ' ' << c.y;
     }
 }
 
@@ -190,7 +210,7 @@ TEST(EdgePoints, OfLinesThroughCornersAndOfBadLines) {
 TEST(Hough, TurnsALineIntoASpot) {
     seeded_random random(7);
     for (int trial = 0; trial < 20; ++trial) {
-        int const r = static_cast<int>(random.below(30)), a = static_cast<int>(random.below(20));
+        int const r = static_cast<int>(random.below(30)), a = 4 + static_cast<int>(random.below(12));
         double const theta = pi / 2 - 0.2 + (a + 0.5) * 0.02, c = std::cos(theta), s = std::sin(theta);
         double const distance = r + 0.5 - 15;  // from the middle (40, 30), along the normal
         image m = image_of(60, 80, [=](double y, double x) {
@@ -200,17 +220,28 @@ TEST(Hough, TurnsALineIntoASpot) {
         ASSERT_TRUE(rows(m) == 30 && cols(m) == 20);
         EXPECT_NEAR(max_value(m), 1, 1e-12);
         EXPECT_EQ(min_value(m), 0);
-        EXPECT_GT(m[static_cast<unsigned int>(r)][static_cast<unsigned int>(a)], 0.9);
+        vector const at_offset = m[static_cast<unsigned int>(r)];
+        EXPECT_GT(at_offset[static_cast<unsigned int>(a)], 0.9);
+        double weights = 0, moment = 0;  // a centroid tells half a step of angle from none
+        for (int d = -4; d <= 4; ++d) {
+            double const w = std::pow(at_offset[static_cast<unsigned int>(a + d)], 8);
+            weights += w;
+            moment += d * w;
+        }
+        EXPECT_NEAR(moment / weights, 0, 0.25);
     }
     image zeros(9, 9), none(9, 9);
     EXPECT_EQ(max_value(zeros.hough(5, 4)), 0);
     EXPECT_EQ(rows(none.hough(-1, 4)), 0u);
 }
 
-// A ridge of two rows in each column, whose centroid lies on the curve: least squares fit it exactly.
+// A ridge of two rows in three columns, the outer ones and one between, whose centroid lies on the curve:
+// least squares fit it exactly. A weaker ridge runs beside it, out of reach of the narrow band.
 image two_row_ridge(unsigned int r, unsigned int c, vector const& curve) {
     return image_of(r, c, [&](double y, double x) {
-        return std::max(0.0, 1 - std::fabs(y + 0.5 - poly(x + 0.5, curve)));
+        double const d = y + 0.5 - poly(x + 0.5, curve);
+        bool const taken = x == 0 || x == 24 || x + 1 == c;
+        return taken ? std::max(0.0, 1 - std::fabs(d)) + (std::fabs(d + 3) <= 0.5 ? 0.1 : 0) : 0;
     });
 }
 
@@ -218,6 +249,7 @@ TEST(LsfEdge, FindsTheCurveOfARidge) {
     struct {
         double c[3], angle, offset;  // the line to start from
     } const cases[] = {{{20.5, 0, 0}, pi / 2, 0},
+                       {{21.5, 0, 0}, pi / 2, 0},
                        {{19.2, 0.02, 0}, pi / 2 + 0.02, 0},
                        {{19.2, 0.05, -0.0008}, pi / 2, 0},
                        {{1.3, 0.3, 0}, pi / 2 + std::atan(0.3), -9.3}};
