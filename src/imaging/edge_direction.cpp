@@ -48,11 +48,11 @@ gradient_sums sum_gradients(image const& m, int radius, int half_width) {
     int const r = static_cast<int>(rows(m)), c = static_cast<int>(cols(m)), least = std::min(r, c);
     int const step = std::min(radius, std::max(1, (least - 2 * radius) / 4));
     int const center_x = (c - 1) / 2, center_y = (r - 1) / 2;
-    double const reach = least / 2 - radius;
+    int const reach = least / 2 - radius;
     row_pointers const row(m);
     gradient_sums sums;
     for (int y = radius; y < r; y += step) {
-        double const h = y - center_y, squares = reach * reach - h * h;
+        double const h = y - center_y, squares = 1.0 * reach * reach - h * h;
         if (squares < 0) continue;
         double const s = std::sqrt(squares);
         int first = std::max(radius, static_cast<int>(std::ceil(center_x - s)));

@@ -83,11 +83,12 @@ image& image::hough(int offsets, int angles) {
     image lines(static_cast<unsigned int>(offsets > 0 ? offsets : 0),
                 static_cast<unsigned int>(angles > 0 ? angles : 0));
     row_pointers const row(*this);
+    unsigned int const middle_x = cols(*this) / 2, middle_y = rows(*this) / 2;
     vector* const result = lines.lazycopy_begin();
     for (unsigned int a = 0; a < cols(lines); ++a) {
         double const theta = pi / 2 - 0.2 + (a + 0.5) * 0.4 / angles;
         double const c = std::cos(theta), s = std::sin(theta), start = 0.5 - offsets / 2.0;
-        double x = cols(*this) / 2 + start * c, y = rows(*this) / 2 + start * s;
+        double x = middle_x + start * c, y = middle_y + start * s;
         for (int r = 0; r < offsets; ++r, x += c, y += s) {
             pixel first, second;
             if (edge_points(x, y, -s, c, first, second)) result[r](a) = mean_under_line(row, first, second);

@@ -40,8 +40,7 @@ TEST(EdgeGradient, MeasuresChangesOfGreyAndOfTexture) {
             m.horizontal_edge_gradient(false);
             for (unsigned int y : {9u, 10u})
                 EXPECT_NEAR(m[y][9], scale * 0.2 * std::hypot(0.8, 5.0 / 81), 1e-6);
-            EXPECT_NEAR(m[5][9], 0, 1e-6);
-            EXPECT_NEAR(m[14][9], 0, 1e-6);
+            for (unsigned int y : {5u, 14u}) EXPECT_NEAR(m[y][9], 0, 1e-6);
 
             seeded_random random(3);
             for (int trial = 0; trial < 30; ++trial) {
@@ -53,22 +52,8 @@ TEST(EdgeGradient, MeasuresChangesOfGreyAndOfTexture) {
             }
         }));
     }
-    image const row = image_of(1, 5, [](double, double x) { return x; });
-    image across = row, along = row;
-    expect_equal(across.horizontal_edge_gradient(true), row);
-    expect_equal(along.vertical_edge_gradient(true), row);
-}
-
-// No number in a pixel leads outside the image; a sanitizer would tell.
-TEST(EdgeGradient, OfBadPixelsDoesNoHarm) {
-    EXPECT_TRUE(with_new_algorithms(true, [] {
-        for (double const bad : {std::nan(""), infinity, 1e308}) {
-            image m = image_of(9, 9, [=](double y, double x) { return y == 4 && x == 4 ? bad : 0.0; });
-            EXPECT_EQ(lsf_edge(m.horizontal_edge_gradient(true)).capacity(), 3u);
-            EXPECT_EQ(lsf_edge2(m, pi / 2, 0).capacity(), 3u);
-            m.find_normal_angle(2, 1);
-        }
-    }));
+    image row = matrix(1, 5, 0.3);
+    EXPECT_EQ(max_value(row.horizontal_edge_gradient(true).vertical_edge_gradient(true)), 0.3);
 }
 
 TEST(NormalAngle, IsTheDirectionOfASlope) {
@@ -121,18 +106,17 @@ TEST(NormalAngle, SamplesTheGridInTheCircle) {
 TEST(FindPeak, ClimbsToAPixelThatNoNeighbourExceeds) {
     seeded_random random(5);
     for (int trial = 0; trial < 100; ++trial) {
-        int const r = 1 + static_cast<int>(random.below(12)), c = 1 + static_cast<int>(random.below(12));
-        image const m = random_image(random, static_cast<unsigned int>(r), static_cast<unsigned int>(c));
-        pixel const start(static_cast<int>(random.below(12)) % c, static_cast<int>(random.below(12)) % r);
-        auto const at = [&](pixel p) {
-            return m[static_cast<unsigned int>(p.y)][static_cast<unsigned int>(p.x)];
-        };
+        unsigned int const r = 1 + random.below(12), c = 1 + random.below(12);
+        image const m = random_image(random, r, c);
+        pixel const start(static_cast<int>(random.below(c)), static_cast<int>(random.below(r)));
         pixel const peak = m.find_peak(start);
-        EXPECT_GE(at(peak), at(start));
-        for (int y = std::max(peak.y - 1, 0); y <= std::min(peak.y + 1, r - 1); ++y) {
-            for (int x = std::max(peak.x - 1, 0); x <= std::min(peak.x + 1, c - 1); ++x)
-                EXPECT_LE(at(pixel(x, y)), at(peak));
-        }
+        auto const around = [&m](pixel p, unsigned int reach) {
+            unsigned int const x = static_cast<unsigned int>(p.x), y = static_cast<unsigned int>(p.y);
+            unsigned int const left = std::min(x, reach), up = std::min(y, reach);
+            return max_value(keep_matrix(m, y - up, up + 1 + reach, x - left, left + 1 + reach));
+        };
+        EXPECT_EQ(around(peak, 0), around(peak, 1));
+        EXPECT_GE(around(peak, 0), around(start, 1));
         EXPECT_EQ(image(3, 4).find_peak(start), start);  // flat, or outside
     }
 }
@@ -184,26 +168,26 @@ TEST(EdgePoints, AreWhereTheLineCrossesTheBorders) {
 }
 
 TEST(EdgePoints, OfLinesThroughCornersAndOfBadLines) {
+    pixel const none(-7, -7);
+    double const bad = std::nan(""), huge = 1e300;
     struct {
         double x, y, dx, dy;
-        bool hit;
         pixel first, second;
-    } const cases[] = {{0, 0, 1, 1, true, {0, 0}, {7, 7}},    {0, 8, 1, -1, true, {7, 0}, {0, 7}},
-                       {4, 4, -2, -2, true, {0, 0}, {7, 7}},  {4, 4, -1, 1, true, {7, 0}, {0, 7}},
-                       {3.5, 99, 0, 1, true, {3, 0}, {3, 7}}, {99, 2.5, -3, 0, true, {7, 2}, {0, 2}},
-                       {9, 4, 0, 1, false, {}, {}},           {4, -1, 1, 0, false, {}, {}},
-                       {4, 4, 0, 0, false, {}, {}},           {NAN, 4, 1, 0, false, {}, {}},
-                       {4, 4, NAN, 1, false, {}, {}},         {4, 4, infinity, 1, false, {}, {}},
-                       {-infinity, 4, 1, 0, false, {}, {}},   {1e300, 1e300, 1, 1, false, {}, {}},
-                       {1e17, 1e17 + 16, 1, 1, false, {}, {}}};
+    } const cases[] = {{0, 0, 1, 1, {0, 0}, {7, 7}},     {0, 8, 1, -1, {7, 0}, {0, 7}},
+                       {4, 4, -2, -2, {0, 0}, {7, 7}},   {4, 4, -1, 1, {7, 0}, {0, 7}},
+                       {99, 2.5, -3, 0, {7, 2}, {0, 2}}, {4, 4, 0, 0, none, none},
+                       {bad, 4, 1, 0, none, none},       {4, 4, bad, 1, none, none},
+                       {4, 4, infinity, 1, none, none},  {-infinity, 4, 1, 0, none, none},
+                       {huge, huge, 1, 1, none, none},   {1e17, 1e17 + 16, 1, 1, none, none}};
     for (auto const& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.x << ' ' << c.y << ' ' << c.dx << ' ' << c.dy);
-        pixel first, second;
-        EXPECT_EQ(image(8, 8).edge_points(c.x, c.y, c.dx, c.dy, first, second), c.hit);
-        EXPECT_TRUE(first == c.first && second == c.second)
-            << first.x << ',' << first.y << ' ' << second.x << ',' << second.y;
-        EXPECT_FALSE(image(0, 0).edge_points(c.x, c.y, c.dx, c.dy, first, second));
-        EXPECT_FALSE(image(3, 0).edge_points(c.x, c.y, c.dx, c.dy, first, second));
+        for (unsigned int const size : {8u, 0u}) {
+            pixel first = none, second = none;
+            bool const hit = size > 0 && c.first != none;
+            EXPECT_EQ(image(8, size).edge_points(c.x, c.y, c.dx, c.dy, first, second), hit)
+                << c.x << ' ' << c.dx;
+            EXPECT_TRUE(first == (hit ? c.first : none) && second == (hit ? c.second : none))
+                << c.x << ' ' << c.dx;
+        }
     }
 }
 
@@ -285,12 +269,40 @@ TEST(LsfEdge, LeavesOutColumnsWithTheCurveInAValley) {
     }));
 }
 
+// No number in a pixel and no size leads outside the image; a sanitizer would tell.
+TEST(Edges, OfBadPixelsAndSizesDoNoHarm) {
+    EXPECT_TRUE(with_new_algorithms(true, [] {
+        seeded_random random(8);
+        double const bad[] = {std::nan(""), infinity, -infinity, 1e308, -1e308, 5e-324, 0.0};
+        for (int trial = 0; trial < 200; ++trial) {
+            unsigned int const r = random.below(9), c = random.below(9);
+            image m = random_image(random, r, c), g = m;
+            if (r * c > 0) m(random.below(r))(random.below(c)) = bad[trial % 7];
+            double x = 0, y = 0, z = 0;
+            m.ave_gray(x, y, z);
+            m.local_rms(x);
+            m.find_normal_angle(2, 1);
+            m.threshold(bad[random.below(7)])
+                .boxcar2d(3)
+                .enhance()
+                .abs()
+                .remove_tearing()
+                .mirror_x()
+                .mirror_y();
+            EXPECT_EQ(lsf_edge(g = m.horizontal_edge_gradient(true).vertical_edge_gradient(true)).capacity(),
+                      3u);
+            EXPECT_EQ(lsf_edge2(g, pi / 2, 0).capacity(), r * c > 0 ? 3u : 0u);
+            EXPECT_TRUE(rows(m.hough(3, 2)) == 3 && cols(m) == 2);
+        }
+    }));
+}
+
 TEST(LsfEdge, AnswersWhereThereIsNoEdge) {
     EXPECT_TRUE(with_new_algorithms(true, [] {
         double const zeros[] = {0, 0, 0};
-        EXPECT_TRUE(lsf_edge(image(20, 30)) == vector(3, zeros));
-        EXPECT_TRUE(lsf_edge(image(0, 0)) == vector(3, zeros));
-        EXPECT_TRUE(lsf_edge(image(3, 0)) == vector(3, zeros));
+        for (image const& none : {image(20, 30), image(0, 0), image(3, 0)}) {
+            EXPECT_TRUE(lsf_edge(none) == vector(3, zeros));
+        }
         for (double const offset : {50.0, -50.0, 1e300, std::nan(""), infinity}) {
             EXPECT_TRUE(lsf_edge2(image(20, 30), pi / 2, offset).is_trivial()) << offset;
         }
