@@ -25,12 +25,12 @@ TEST(EdgeGradient, MeasuresChangesOfGreyAndOfTexture) {
     for (bool const is_new : {false, true}) {
         EXPECT_TRUE(with_new_algorithms(is_new, [is_new] {
             double const scale = is_new ? std::sqrt(0.5) : 1;
-            // A slope of grey without texture: twice the slope, and once at the border, where the smoothed
-            // slope has bent: its first rows are 2/3 and 11/9 (half of 2/3 + 1, thirds of that, 2 and 3).
+            // A slope of grey without texture: twice the slope. At the border two means of 3 have bent it:
+            // the first rows are 0.5, 1 and 2 steps after one of them, 0.75 and 3.5 / 3 after both.
             image m = image_of(12, 16, [](double y, double) { return 0.05 * y; });
             m.horizontal_edge_gradient(false);
             EXPECT_NEAR(m[6][8], scale * 0.1, 1e-6);
-            EXPECT_NEAR(m[0][8], scale * 0.05 * ((0.5 + 1 + 2) / 3 - 0.75), 1e-6);
+            EXPECT_NEAR(m[0][8], scale * 0.05 * (3.5 / 3 - 0.75), 1e-6);
             // Bright and dark columns by turns from row 10 on, 0.2 about the mean. Over 5 columns each
             // deviates by 0.8 of that from the mean, and is itself 1/9 after two means of 3. Down the columns
             // these two are weights of 1 2 3 2 1 ninths, of which 5 lie between the rows beside the edge.
