@@ -90,7 +90,7 @@ void average_rows(double* const* rows, running_mean const& mean, float* table) {
 }
 
 // Down the columns, row by row, since neighbours in a column are far apart in memory. Only the sums that a
-// window still needs are kept, in a ring, over as many columns as leave it in the cache.
+// window still needs are kept, in a ring.
 
 TVMATH_WIDE_LOOP void write_row_of_sums(float* to, float const* before, double const* row, std::size_t n) {
     for (std::size_t x = 0; x < n; ++x) to[x] = before[x] + static_cast<float>(row[x]);
@@ -101,10 +101,10 @@ TVMATH_WIDE_LOOP void write_row_of_means(double* to, float const* below, float c
     for (std::size_t x = 0; x < n; ++x) to[x] = static_cast<double>((above[x] - below[x]) * reciprocal);
 }
 
-// Columns whose ring of sums takes a quarter of a megabyte, within what makes a loop and a thread worth
-// while.
+// Columns whose ring of sums takes a megabyte, so that it stays in the caches: whole rows for all but wide
+// windows, since memory is fastest when it is read on and on.
 std::size_t columns_at_a_time(running_mean const& mean) {
-    return std::clamp<std::size_t>(65536 / (mean.size + 1), 64, 512);
+    return std::max<std::size_t>(262144 / (mean.size + 1), 64);
 }
 
 class column_means {
