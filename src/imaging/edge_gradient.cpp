@@ -1,6 +1,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "geometry/point_lanes.h"
 #include "tvmath/feature_switches.h"
@@ -63,12 +64,16 @@ image& image::horizontal_edge_gradient(bool wrap) {
     deviation.horizontal_boxcar(c / 4, wrap);
 
     double const scale = gradient_scale();
-    vector const *const a = mean.begin(), *const b = deviation.begin();
+    vector* const a = mean.lazycopy_begin();
+    vector const* const b = deviation.begin();
     vector* const row = lazycopy_begin();
     for (unsigned int y = 0; y < r; ++y) {
         unsigned int const before = y == 0 ? 0 : y - 1, after = y + 1 == r ? y : y + 1;
-        write_lengths(row[y].lazycopy_begin(),
+        // Into the place of a smoothed row that no later one needs.
+        vector fresh = y < 2 ? vector(c) : std::move(a[y - 2]);
+        write_lengths(fresh.lazycopy_begin(),
                       {a[before].begin(), a[after].begin(), b[before].begin(), b[after].begin()}, scale, c);
+        row[y] = std::move(fresh);
     }
     return *this;
 }
@@ -83,14 +88,17 @@ image& image::vertical_edge_gradient(bool wrap) {
     deviation.vertical_boxcar(r / 4, wrap);
 
     double const scale = gradient_scale();
+    vector* const smoothed = mean.lazycopy_begin();
     vector* const row = lazycopy_begin();
     for (unsigned int y = 0; y < r; ++y) {
-        double const *const a = mean[y].begin(), *const b = deviation[y].begin();
-        double* const to = row[y].lazycopy_begin();
+        double const *const a = smoothed[y].begin(), *const b = deviation[y].begin();
+        vector fresh = y < 1 ? vector(c) : std::move(smoothed[y - 1]);
+        double* const to = fresh.lazycopy_begin();
         std::size_t const last = c - 1, next = c == 1 ? 0 : 1, previous = c == 1 ? 0 : last - 1;
         write_lengths(to, {a, a + next, b, b + next}, scale, 1);
         if (c > 2) write_lengths(to + 1, {a, a + 2, b, b + 2}, scale, c - 2);
         write_lengths(to + last, {a + previous, a + last, b + previous, b + last}, scale, 1);
+        row[y] = std::move(fresh);
     }
     return *this;
 }
