@@ -10,11 +10,11 @@ namespace {
 
 constexpr std::size_t levels = 1024;  // of the histogram: finer than the grey values of a camera
 
-// Compared as a number before it is converted, because NaN and large values have no index.
+// Clamped as a number before it is converted, because NaN, which becomes 0, and large values have no index.
 std::size_t level_of(double v) {
-    double const scaled = v * levels;
-    if (!(scaled > 0)) return 0;
-    return scaled < levels ? static_cast<std::size_t>(scaled) : levels - 1;
+    constexpr double most = levels - 1;
+    double const scaled = v * levels, from_0 = scaled > 0 ? scaled : 0.0;
+    return static_cast<std::size_t>(static_cast<int>(from_0 < most ? from_0 : most));
 }
 
 struct histogram {
