@@ -48,14 +48,14 @@ struct row_sums {
 
     void add(double const* const* rows, std::size_t from, std::size_t end) {
         double const *const a = rows[0], *const b = rows[1], *const c = rows[2], *const d = rows[3];
-        float *const ta = to[0] + count - from, *const tb = to[1] + count - from,
-                     *const tc = to[2] + count - from, *const td = to[3] + count - from;
+        float *const ta = to[0] + count, *const tb = to[1] + count, *const tc = to[2] + count,
+                     *const td = to[3] + count;
         float sa = last[0], sb = last[1], sc = last[2], sd = last[3];
         for (std::size_t k = from; k < end; ++k) {
-            ta[k] = sa += static_cast<float>(a[k]);
-            tb[k] = sb += static_cast<float>(b[k]);
-            tc[k] = sc += static_cast<float>(c[k]);
-            td[k] = sd += static_cast<float>(d[k]);
+            ta[k - from] = sa += static_cast<float>(a[k]);
+            tb[k - from] = sb += static_cast<float>(b[k]);
+            tc[k - from] = sc += static_cast<float>(c[k]);
+            td[k - from] = sd += static_cast<float>(d[k]);
         }
         count += end - from;
         last[0] = sa, last[1] = sb, last[2] = sc, last[3] = sd;
