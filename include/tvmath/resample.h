@@ -37,9 +37,10 @@ TVMATH_API image rotate(image source, double x, double y, double angle, double w
 ///
 /// Where a pixel of the result covers at most one of the source, by the lengths of its sides, each pixel of
 /// the source is shared out over the four pixels of the result about it, by bilinear weights, and a pixel of
-/// the result is the weighted mean of what it got. So a pixel that got nothing, as many do beyond a scale of
-/// 2, is black: 0. Where it covers more, it takes the mean of the four pixels of the source about its centre,
-/// by bilinear weights, of which those outside the source do not count; without any it is black.
+/// the result is the weighted mean of what it got. A pixel that got nothing is black: 0; there are such from
+/// an enlargement of sqrt(2) on, depending on the angle. Where it covers more, it takes the mean of the four
+/// pixels of the source about its centre, by bilinear weights, of which those outside the source do not
+/// count; without any it is black.
 ///
 /// The image of 0 by 0 for the trivial transform, for one whose numbers are not finite, the inverse map
 /// included where the source is shared out, and for a result of more than 2^28 pixels.

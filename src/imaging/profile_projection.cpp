@@ -52,16 +52,18 @@ bool project_image_into_profile(image source, vector& profile, double angle) {
         for (unsigned int x = 0; x < width; ++x) {
             double const u = x + 0.5 - r;
             if (!(u * u + v * v < r * r)) continue;
-            double const t = dx * u + dy * v + r - 0.5, whole = std::floor(t), f = t - whole;
-            // From -1 to n: a centre lies less than r from the middle. At either end only one bin exists.
-            int const i = static_cast<int>(whole);
-            if (i >= 0 && static_cast<unsigned int>(i) < n) {
-                sum[i] += (1 - f) * grey[x];
-                weight[i] += 1 - f;
+            // One more than the place in bins, which is above 0 inside the circle, so that cutting rounds
+            // down. At either end only one of the two bins exists.
+            double const above = dx * u + dy * v + r + 0.5;
+            auto const i = static_cast<unsigned int>(above);
+            double const f = above - i;
+            if (i > 0) {
+                sum[i - 1] += (1 - f) * grey[x];
+                weight[i - 1] += 1 - f;
             }
-            if (static_cast<unsigned int>(i + 1) < n) {
-                sum[i + 1] += f * grey[x];
-                weight[i + 1] += f;
+            if (i < n) {
+                sum[i] += f * grey[x];
+                weight[i] += f;
             }
         }
     }

@@ -23,19 +23,21 @@ struct upright_scan {
 
     double along() const { return width / columns; }
     // Where the middle of column i starts.
-    double column_y(double i) const { return y + s * along() * (i + 0.5); }
+    double column_y(std::size_t i) const { return y + s * along() * (static_cast<double>(i) + 0.5); }
 };
 
 // Lines of numbers in one block, at odd multiples of a cache line from each other, so that a walk across
-// them spreads over the sets of the cache whatever their length.
+// them spreads over the sets of the cache whatever their length. A new block takes the old one's memory.
 class line_block {
 public:
-    line_block(std::size_t lines, std::size_t length)
-        : stride_(((length + 7) / 8 | 1) * 8), numbers_(lines * stride_) {}
+    void reset(std::size_t lines, std::size_t length) {
+        stride_ = ((length + 7) / 8 | 1) * 8;
+        if (numbers_.size() < lines * stride_) numbers_.resize(lines * stride_);
+    }
     double* line(std::size_t i) { return numbers_.data() + i * stride_; }
 
 private:
-    std::size_t stride_;
+    std::size_t stride_ = 0;
     std::vector<double> numbers_;
 };
 
@@ -63,31 +65,47 @@ private:
 // is 1 / c, and means over stretches that are no whole number of pixels would move edges to and fro, by up to
 // 1/8 of a pixel.
 //
-// The passes run over the columns from `first` to `last`, few enough for the cache.
-template <class line_of>
-void scan_columns(image const& source, upright_scan const& scan, unsigned int first, unsigned int last,
-                  line_of result_line) {
-    unsigned int const columns = last - first;
-    double const start = scan.column_y(first), end = scan.column_y(last - 1.0);
-    row_range const used(std::min(start, end), std::max(start, end) + scan.c * scan.height, rows(source));
+// Some columns at a time, few enough for the cache.
+class column_scan {
+public:
+    column_scan(image const& source, upright_scan const& scan) : source_(source), scan_(scan) {}
 
-    line_block sheared(columns, used.count());
-    std::vector<double> work, row(columns);
-    double const shear = -scan.s / scan.c, step = scan.along() / scan.c;
-    vector const* const pixels = source.begin();
-    for (std::size_t k = 0; k < used.count(); ++k) {
-        std::size_t const y = used.first + k;
-        double const x = scan.x + (static_cast<double>(y) + 0.5 - scan.y) * shear + first * step;
-        resample_line(pixels[y].begin(), cols(source), x, step, scan.along() > 1, row.data(), columns, work);
-        for (unsigned int i = 0; i < columns; ++i) sheared.line(i)[k] = row[i];
+    // Line i of the result, column first + i of the scan, is put where result_line(i) says.
+    template <class line_of>
+    void run(std::size_t first, std::size_t columns, line_of result_line) {
+        double const start = scan_.column_y(first), end = scan_.column_y(first + columns - 1);
+        row_range const used(std::min(start, end), std::max(start, end) + scan_.c * scan_.height,
+                             rows(source_));
+        shear_rows(first, columns, used);
+
+        double const down = scan_.c * (scan_.height / scan_.rows);
+        for (std::size_t i = 0; i < columns; ++i) {
+            double const y = scan_.column_y(first + i) - used.first;
+            resample_line(sheared_.line(i), used.count(), y, down, down > 1, result_line(i), scan_.rows,
+                          work_);
+        }
     }
 
-    double const down = scan.c * (scan.height / scan.rows);
-    for (unsigned int i = 0; i < columns; ++i) {
-        double const y = scan.column_y(first + i) - used.first;
-        resample_line(sheared.line(i), used.count(), y, down, down > 1, result_line(i), scan.rows, work);
+private:
+    void shear_rows(std::size_t first, std::size_t columns, row_range const& used) {
+        sheared_.reset(columns, used.count());
+        row_.resize(columns);
+        double const shear = -scan_.s / scan_.c, step = scan_.along() / scan_.c;
+        double const offset = scan_.x + static_cast<double>(first) * step;
+        vector const* const pixels = source_.begin() + used.first;
+        for (std::size_t k = 0; k < used.count(); ++k) {
+            double const x = offset + (used.first + static_cast<double>(k) + 0.5 - scan_.y) * shear;
+            resample_line(pixels[k].begin(), cols(source_), x, step, scan_.along() > 1, row_.data(), columns,
+                          work_);
+            for (std::size_t i = 0; i < columns; ++i) sheared_.line(i)[k] = row_[i];
+        }
     }
-}
+
+    image const& source_;
+    upright_scan const& scan_;
+    line_block sheared_;
+    std::vector<double> row_, work_;
+};
 
 // The columns of the scan become rows of the result when they are to be `turned`.
 image scanned(image const& source, upright_scan const& scan, bool turned) {
@@ -95,19 +113,23 @@ image scanned(image const& source, upright_scan const& scan, bool turned) {
     std::vector<double*> const lines = turned ? rows_to_write(result, scan.columns, scan.rows)
                                               : rows_to_write(result, scan.rows, scan.columns);
 
-    std::size_t const longest = std::max<std::size_t>({rows(source), scan.rows, 1});
-    // Blocks of up to 2 MiB.
-    std::size_t const grain = std::clamp<std::size_t>((std::size_t{1} << 18) / longest, 1, 64);
+    std::size_t const longest = std::max<std::size_t>(rows(source), scan.rows);
+    std::size_t const most = std::clamp<std::size_t>((std::size_t{1} << 18) / longest, 1, 32);  // up to 2 MiB
+    std::size_t const grain = std::max(most, (std::size_t{1} << 16) / longest);
     parallel_for(scan.columns, grain, [&](std::size_t from, std::size_t to) {
-        auto const first = static_cast<unsigned int>(from), last = static_cast<unsigned int>(to);
-        if (turned) {
-            scan_columns(source, scan, first, last, [&](unsigned int i) { return lines[first + i]; });
-            return;
-        }
-        line_block columns(to - from, scan.rows);
-        scan_columns(source, scan, first, last, [&](unsigned int i) { return columns.line(i); });
-        for (std::size_t r = 0; r < scan.rows; ++r) {
-            for (std::size_t i = from; i < to; ++i) lines[r][i] = columns.line(i - from)[r];
+        column_scan columns(source, scan);
+        line_block lying;
+        for (std::size_t first = from; first < to; first += most) {
+            std::size_t const count = std::min(most, to - first);
+            if (turned) {
+                columns.run(first, count, [&](std::size_t i) { return lines[first + i]; });
+                continue;
+            }
+            lying.reset(count, scan.rows);
+            columns.run(first, count, [&](std::size_t i) { return lying.line(i); });
+            for (std::size_t r = 0; r < scan.rows; ++r) {
+                for (std::size_t i = 0; i < count; ++i) lines[r][first + i] = lying.line(i)[r];
+            }
         }
     });
     return result;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 inline namespace tvmath {
 namespace {
@@ -27,19 +28,29 @@ void shift_line(double const* line, std::size_t last, double first_place, double
     std::fill(samples + skipped + between, samples + count, line[last]);
 }
 
-// Places count from the centre of pixel 0. The line stands in `work` with its last pixel twice, so that
-// the last place needs no exception.
-void interpolate_line(double const* line, std::size_t length, double first_place, double step,
-                      double* samples, std::size_t count, std::vector<double>& work) {
-    work.assign(line, line + length);
-    work.push_back(line[length - 1]);
-    double const* const pixels = work.data();
-    double const last = static_cast<double>(length - 1);
-    for (std::size_t i = 0; i < count; ++i) {
-        double const place = std::min(std::max(first_place + static_cast<double>(i) * step, 0.0), last);
-        std::size_t const k = static_cast<std::size_t>(place);
-        samples[i] = pixels[k] + (place - static_cast<double>(k)) * (pixels[k + 1] - pixels[k]);
+// The number of samples, from the first one on, whose place lies below a limit. The quotient may be off by
+// one sample, which the comparison with the place as it is computed puts right.
+std::size_t count_below(double limit, double first_place, double step, std::size_t count) {
+    if (!(step > 0)) return first_place < limit ? count : 0;
+    double const estimate = std::ceil((limit - first_place) / step);
+    auto n = static_cast<std::size_t>(std::min(std::max(estimate, 0.0), static_cast<double>(count)));
+    while (n > 0 && !(first_place + static_cast<double>(n - 1) * step < limit)) --n;
+    while (n < count && first_place + static_cast<double>(n) * step < limit) ++n;
+    return n;
+}
+
+// Places count from the centre of pixel 0.
+void interpolate_line(double const* line, std::size_t last, double first_place, double step, double* samples,
+                      std::size_t count) {
+    std::size_t const from = count_below(0, first_place, step, count);
+    std::size_t const to = count_below(static_cast<double>(last), first_place, step, count);
+    std::fill_n(samples, from, line[0]);
+    for (std::size_t i = from; i < to; ++i) {
+        double const place = first_place + static_cast<double>(static_cast<std::int64_t>(i)) * step;
+        std::int64_t const k = static_cast<std::int64_t>(place);
+        samples[i] = line[k] + (place - static_cast<double>(k)) * (line[k + 1] - line[k]);
     }
+    std::fill(samples + to, samples + count, line[last]);
 }
 
 // A sample is the difference of the integral of the line, which is linear within a pixel, at its two ends.
@@ -85,7 +96,7 @@ void resample_line(double const* line, std::size_t length, double start, double 
     } else if (reduced) {
         average_line(line, length, start, step, samples, count, work);
     } else {
-        interpolate_line(line, length, first_place, step, samples, count, work);
+        interpolate_line(line, length - 1, first_place, step, samples, count);
     }
 }
 

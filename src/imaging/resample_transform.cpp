@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "containers/parallel_for.h"
@@ -44,30 +45,28 @@ struct pixel_range {
     bool is_empty() const { return !(first <= last); }
 };
 
-// The four pixels about the place (x, y), by the first row and column and the bilinear weights of the second
-// ones. Rows and columns may lie outside any image.
-struct pixel_square {
-    double left, top, fx, fy;
-
-    pixel_square(double x, double y)
-        : left(std::floor(x - 0.5)), top(std::floor(y - 0.5)), fx(x - 0.5 - left), fy(y - 0.5 - top) {}
-
-    // Calls act(row, column, weight) for those of the four in `rows` rows and `cols` columns. Comparisons
-    // of doubles first: only a place near those has a row and column in integers.
-    template <class action>
-    void each_within(std::size_t rows, std::size_t cols, action act) const {
-        double const height = static_cast<double>(rows), width = static_cast<double>(cols);
-        if (!(left >= -1.0 && left < width && top >= -1.0 && top < height)) return;
-        auto const along_row = [&](double row, double weight) {
-            if (row < 0 || row >= height) return;
-            auto const r = static_cast<std::size_t>(row);
-            if (left >= 0) act(r, static_cast<std::size_t>(left), (1 - fx) * weight);
-            if (left + 1 < width) act(r, static_cast<std::size_t>(left + 1), fx * weight);
-        };
-        along_row(top, 1 - fy);
-        along_row(top + 1, fy);
+// Calls act(row, column, weight) for those of the four pixels about the place (x, y) that lie in an image of
+// that size, with their bilinear weights.
+template <class action>
+void each_about(double x, double y, std::size_t rows, std::size_t cols, action act) {
+    // In this order only places near the image become integers.
+    bool const near =
+        x >= -0.5 && x < static_cast<double>(cols) + 0.5 && y >= -0.5 && y < static_cast<double>(rows) + 0.5;
+    if (!near) return;
+    // One more than the column and row of the first of them, so that cutting rounds down.
+    auto const right = static_cast<std::int64_t>(x + 0.5), below = static_cast<std::int64_t>(y + 0.5);
+    double const fx = x + 0.5 - static_cast<double>(right), fy = y + 0.5 - static_cast<double>(below);
+    auto const r = static_cast<std::size_t>(below), c = static_cast<std::size_t>(right);
+    bool const has_left = c > 0, has_right = c < cols;
+    if (r > 0) {
+        if (has_left) act(r - 1, c - 1, (1 - fx) * (1 - fy));
+        if (has_right) act(r - 1, c, fx * (1 - fy));
     }
-};
+    if (r < rows) {
+        if (has_left) act(r, c - 1, (1 - fx) * fy);
+        if (has_right) act(r, c, fx * fy);
+    }
+}
 
 double mean_of(double sum, double weight) {
     return weight != 0.0 ? sum / weight : 0.0;
@@ -93,8 +92,8 @@ void share_out(image const& source, plane_map const& to_result, std::size_t firs
         double const* const grey = source[y].begin();
         for (auto x = static_cast<std::size_t>(range.first); x <= static_cast<std::size_t>(range.last); ++x) {
             double const u = static_cast<double>(x) + 0.5, value = grey[x];
-            pixel_square const square(to_result.x(u, v), to_result.y(u, v) - offset);
-            square.each_within(count, cols, [&](std::size_t r, std::size_t c, double weight) {
+            double const to_x = to_result.x(u, v), to_y = to_result.y(u, v) - offset;
+            each_about(to_x, to_y, count, cols, [&](std::size_t r, std::size_t c, double weight) {
                 sums[r * cols + c] += weight * value;
                 weights[r * cols + c] += weight;
             });
@@ -116,8 +115,8 @@ void gather_row(image const& source, plane_map const& to_source, std::size_t y, 
     for (unsigned int x = 0; x < cols; ++x) {
         double const u = x + 0.5;
         double sum = 0, weight = 0;
-        pixel_square const square(to_source.x(u, v), to_source.y(u, v));
-        square.each_within(source_rows, source_cols, [&](std::size_t r, std::size_t c, double w) {
+        double const from_x = to_source.x(u, v), from_y = to_source.y(u, v);
+        each_about(from_x, from_y, source_rows, source_cols, [&](std::size_t r, std::size_t c, double w) {
             sum += w * grey[r].begin()[c];
             weight += w;
         });
