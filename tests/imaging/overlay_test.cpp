@@ -115,9 +115,7 @@ TEST(LineTo, DrawsThePixelsNearestToTheLine) {
                 std::int64_t const side = flat ? y - line.y : x - line.x;
                 exact const twice_off = 2 * (exact{side} * length - exact{i} * rise);
                 bool const expected = i >= 0 && i < length && twice_off >= -length && twice_off < length;
-                ASSERT_EQ(bitmap_pixel(b.get(), x, y) != 0, expected)
-                    << line.x << ' ' << line.y << " to " << line.to_x << ' ' << line.to_y << " at " << x
-                    << ' ' << y;
+                ASSERT_EQ(bitmap_pixel(b.get(), x, y) != 0, expected) << trial << ": " << x << ' ' << y;
             }
         }
     }
@@ -129,21 +127,18 @@ TEST(LineTo, DrawsAWidePenAsASweptDisc) {
         double const reach = trial % 2 ? 40 : 1e4;
         auto const coordinate = [&] { return static_cast<std::int64_t>(random.uniform(-reach, reach)); };
         straight const line = {10, 8, coordinate(), coordinate(), 2 + static_cast<int>(random.below(12))};
-        double const dx = static_cast<double>(line.to_x - line.x),
-                     dy = static_cast<double>(line.to_y - line.y);
+        double const dx = double(line.to_x - line.x), dy = double(line.to_y - line.y);
         double const steps = std::max(std::fabs(dx), std::fabs(dy)), middle = line.width % 2 ? 0 : 0.5;
         if (steps == 0) continue;
         bitmap const b = line.on(17, 23);
         for (int y = 0; y < 17; ++y) {
             for (int x = 0; x < 23; ++x) {
                 double const u = x + middle - 10, v = y + middle - 8;
-                double const t =
-                    std::clamp((u * dx + v * dy) / (dx * dx + dy * dy), 0.0, (steps - 1) / steps);
+                double const part = (u * dx + v * dy) / (dx * dx + dy * dy);
+                double const t = std::clamp(part, 0.0, (steps - 1) / steps);
                 double const inside = line.width / 2.0 - std::hypot(u - t * dx, v - t * dy);
-                if (std::fabs(inside) > 1e-9) {
-                    ASSERT_EQ(bitmap_pixel(b.get(), x, y) != 0, inside > 0)
-                        << line.width << ": " << dx << ' ' << dy;
-                }
+                if (std::fabs(inside) < 1e-9) continue;
+                ASSERT_EQ(bitmap_pixel(b.get(), x, y) != 0, inside > 0) << trial << ": " << x << ' ' << y;
             }
         }
     }
