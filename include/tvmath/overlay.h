@@ -95,7 +95,7 @@ public:
     /// The bitmap without pixels.
     CDib() = default;
     /// Grey levels of 1/256, 0 to 255; what lies outside, and NaN as black, is cut. Without pixels for an
-    /// image without rows or columns and for one of more than 2^28 pixels.
+    /// image without rows or columns and for one of more than 2^28 pixels, where each row counts as 8 more.
     explicit CDib(image const& source);
 
     bool is_trivial() const { return bytes_.is_trivial(); }
@@ -117,7 +117,7 @@ private:
 // order of the list; null ones are passed over.
 //
 // The caller owns the bitmap and frees it by `release_bitmap`. Null for an image without rows or columns, for
-// one of more than 2^28 pixels, and when the platform gives no bitmap. What an overlay of the caller's own
+// one that `CDib` refuses, and when the platform gives no bitmap. What an overlay of the caller's own
 // raises, comes through.
 
 TVMATH_API HBITMAP__* create_bitmap(image source);

@@ -23,7 +23,8 @@ inline namespace tvmath {
 /// finite spoils its neighbours, and where means are taken the rest of its line.
 ///
 /// The image of 0 by 0 when the rectangle leaves the image, by more than the billionth of a pixel that
-/// rounding may cost, for numbers that are not finite, and for a result of more than 2^28 pixels.
+/// rounding may cost, for numbers that are not finite, and for a result of more than 2^28 pixels, where each
+/// row counts as 8 more.
 ///
 /// Source: passes by lines as in E. Catmull, A. R. Smith, 3-D transformations of images in scanline order,
 /// Computer Graphics 14 (1980) 279-285; means by running sums as in F. C. Crow, Summed-area tables for
@@ -43,7 +44,8 @@ TVMATH_API image rotate(image source, double x, double y, double angle, double w
 /// count; without any it is black.
 ///
 /// The image of 0 by 0 for the trivial transform, for one whose numbers are not finite, the inverse map
-/// included where the source is shared out, and for a result of more than 2^28 pixels.
+/// included where the source is shared out, and for a result of more than 2^28 pixels, where each row counts
+/// as 8 more.
 TVMATH_API image rotate(image source, transform to_source, unsigned int rows, unsigned int cols);
 
 /// The profile of the round window that fits into a square image of n rows, along the direction of `angle` in

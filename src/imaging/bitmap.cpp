@@ -10,7 +10,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr unsigned int levels = 256;
+constexpr std::uint32_t header_size = 40, levels = 256;
 
 unsigned int padded(unsigned int width) {
     return (width + 3) / 4 * 4;
@@ -24,7 +24,6 @@ unsigned char level_of(double grey) {
 
 // The header and the table of colours.
 std::vector<unsigned char> dib_start(unsigned int width, unsigned int height) {
-    constexpr std::uint32_t header_size = 40;
     constexpr std::uint16_t planes = 1, bits_per_pixel = 8;
     std::vector<unsigned char> bytes;
     for (std::uint32_t number : {header_size, width, height}) put_little_endian(bytes, number);
@@ -47,7 +46,7 @@ CDib::CDib(image const& source) {
     bytes_ = idioms::array<unsigned char>(static_cast<unsigned int>(start.size()) + padded(width) * height);
     unsigned char* to = std::copy(start.begin(), start.end(), bytes_.lazycopy_begin());
     for (unsigned int y = height; y-- > 0; to += padded(width)) {
-        vector const row = source[y];
+        vector const& row = source[y];
         std::transform(row.begin(), row.end(), to, level_of);
     }
     width_ = static_cast<int>(width);
@@ -55,8 +54,8 @@ CDib::CDib(image const& source) {
 }
 
 unsigned char const* CDib::row(int y) const {
-    auto const width = static_cast<std::size_t>(width_);
-    return begin() + 40 + 4 * levels + static_cast<std::size_t>(y) * ((width + 3) / 4 * 4);
+    std::size_t const start = header_size + std::size_t{4} * levels;
+    return begin() + start + static_cast<std::size_t>(y) * padded(static_cast<unsigned int>(width_));
 }
 
 HBITMAP__* create_bitmap(image source) {

@@ -169,7 +169,7 @@ image rotate(image source, double x, double y, double angle, double width, unsig
     }
     if (rows(source) == 0 || cols(source) == 0 || is_oversized(out_height, out_width)) return image();
     if (!lies_within(extent_x, cols(source)) || !lies_within(extent_y, rows(source))) return image();
-    if (out_height == 0 || out_width == 0) return image(out_height, out_width);
+    if (out_height == 0 || out_width == 0) return image(out_height, 0);
 
     // The side that runs most nearly along the rows, from the left, is a-b, d-a, e-d or b-e. The quadrant of
     // angle + pi / 4, taken from the turned direction: of a large angle the sum would not fit s and c.

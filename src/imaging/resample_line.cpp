@@ -21,9 +21,13 @@ void shift_line(double const* line, std::size_t last, double first_place, double
     std::size_t const between = std::min(count - skipped, last - from);
 
     std::fill_n(samples, skipped, line[0]);
-    for (std::size_t i = 0; i < between; ++i) {
-        double const left = line[from + i];
-        samples[skipped + i] = left + f * (line[from + i + 1] - left);
+    if (f == 0.0) {  // exact on purpose: whole pixels stay as they are, also beside one that is not finite
+        std::copy_n(line + from, between, samples + skipped);
+    } else {
+        for (std::size_t i = 0; i < between; ++i) {
+            double const left = line[from + i];
+            samples[skipped + i] = left + f * (line[from + i + 1] - left);
+        }
     }
     std::fill(samples + skipped + between, samples + count, line[last]);
 }

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 #include "containers/parallel_for.h"
@@ -49,20 +48,21 @@ struct pixel_range {
 // that size, with their bilinear weights.
 template <class action>
 void each_about(double x, double y, std::size_t rows, std::size_t cols, action act) {
-    // In this order only places near the image become integers.
-    bool const near =
-        x >= -0.5 && x < static_cast<double>(cols) + 0.5 && y >= -0.5 && y < static_cast<double>(rows) + 0.5;
-    if (!near) return;
-    // One more than the column and row of the first of them, so that cutting rounds down.
-    auto const right = static_cast<std::int64_t>(x + 0.5), below = static_cast<std::int64_t>(y + 0.5);
-    double const fx = x + 0.5 - static_cast<double>(right), fy = y + 0.5 - static_cast<double>(below);
-    auto const r = static_cast<std::size_t>(below), c = static_cast<std::size_t>(right);
-    bool const has_left = c > 0, has_right = c < cols;
+    // From here on the place counts from the centre of a pixel before the first one, so that cutting it
+    // rounds down and gives the second of the two pixels. The comparisons first: only places near the image
+    // become integers.
+    x += 0.5;
+    y += 0.5;
+    if (!(x >= 0 && x < static_cast<double>(cols) + 1 && y >= 0 && y < static_cast<double>(rows) + 1)) return;
+    auto const c = static_cast<std::size_t>(x), r = static_cast<std::size_t>(y);
+    double const fx = x - static_cast<double>(c), fy = y - static_cast<double>(r);
+    // What has no weight does not take part, not even when it is not finite.
+    bool const has_left = c > 0, has_right = c < cols && fx > 0;
     if (r > 0) {
         if (has_left) act(r - 1, c - 1, (1 - fx) * (1 - fy));
         if (has_right) act(r - 1, c, fx * (1 - fy));
     }
-    if (r < rows) {
+    if (r < rows && fy > 0) {
         if (has_left) act(r, c - 1, (1 - fx) * fy);
         if (has_right) act(r, c, fx * fy);
     }

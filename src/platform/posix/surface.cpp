@@ -8,7 +8,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr std::ptrdiff_t dib_header = 40, dib_colours = 4 * 256;
+constexpr std::ptrdiff_t dib_header = 40, dib_colours = 1024;
 
 bool holds(HBITMAP__ const& bitmap, std::int64_t x, std::int64_t y) {
     return x >= 0 && x < bitmap.width && y >= 0 && y < bitmap.height;
@@ -62,7 +62,8 @@ void draw_dib(HDC__* device, unsigned char const* dib) {
 
     HBITMAP__& target = *device->target;
     unsigned char const* row = dib + dib_header + dib_colours;
-    for (int y = 0; y < target.height; ++y, row += (target.width + 3) / 4 * 4) {
+    std::ptrdiff_t const padded = (std::ptrdiff_t{target.width} + 3) / 4 * 4;
+    for (int y = 0; y < target.height; ++y, row += padded) {
         std::transform(row, row + target.width, target.row(y),
                        [&](unsigned char level) { return colours[level]; });
     }
