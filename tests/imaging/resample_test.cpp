@@ -92,7 +92,9 @@ TEST(RotateRectangle, CutsWholePixelsOutAsTheyAre) {
     source(4)(2) = nan_value;  // left of the window
     image const kept = source;
     image const cut = window{3, 2, 0, 7, 5, 7, 5}.cut_from(source);
-    EXPECT_EQ(max_value(abs(cut - keep_matrix(source, 2, 5, 3, 7))), 0);
+    image const expected = keep_matrix(source, 2, 5, 3, 7);
+    ASSERT_EQ(rows(cut), 5u);
+    for (unsigned int j = 0; j < 5; ++j) EXPECT_TRUE(cut[j] == expected[j]) << j;
     EXPECT_EQ(kept[2].begin(), source[2].begin());  // still one block
 }
 
