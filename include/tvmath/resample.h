@@ -23,8 +23,8 @@ inline namespace tvmath {
 /// finite spoils its neighbours, and where means are taken the rest of its line.
 ///
 /// The image of 0 by 0 when the rectangle leaves the image, by more than the billionth of a pixel that
-/// rounding may cost, for numbers that are not finite, and for a result of more than 2^28 pixels, where each
-/// row counts as 8 more.
+/// rounding may cost, for numbers that are not finite, for an image with a side of 2^31 pixels or more, and
+/// for a result of more than 2^28 pixels, where each row counts as 8 more.
 ///
 /// Source: passes by lines as in E. Catmull, A. R. Smith, 3-D transformations of images in scanline order,
 /// Computer Graphics 14 (1980) 279-285; means by running sums as in F. C. Crow, Summed-area tables for

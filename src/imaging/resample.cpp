@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "containers/parallel_for.h"
@@ -167,7 +168,10 @@ image rotate(image source, double x, double y, double angle, double width, unsig
         extent_x.widen(corner.x());
         extent_y.widen(corner.y());
     }
-    if (rows(source) == 0 || cols(source) == 0 || is_oversized(out_height, out_width)) return image();
+    constexpr unsigned int longest = std::numeric_limits<int>::max();
+    if (rows(source) > longest || cols(source) > longest || is_oversized(out_height, out_width))
+        return image();
+    if (rows(source) == 0 || cols(source) == 0) return image();
     if (!lies_within(extent_x, cols(source)) || !lies_within(extent_y, rows(source))) return image();
     if (out_height == 0 || out_width == 0) return image(out_height, 0);
 

@@ -11,7 +11,7 @@ inline namespace tvmath {
 ///
 /// A sample is the mean over its stretch when the line is to be `reduced`, otherwise the linear
 /// interpolation at its middle; at a step of 1 both are the same. `work` is room that calls may share. All
-/// numbers finite.
+/// numbers finite; length and count below 2^31.
 void resample_line(double const* line, std::size_t length, double start, double step, bool reduced,
                    double* samples, std::size_t count, std::vector<double>& work);
 
