@@ -78,6 +78,8 @@ TEST(RenderCommand, ReadsDegreesAndRadians) {
     EXPECT_NEAR(degrees.front().x, 0, 1e-12);  // the arc starts at 90 degrees
     EXPECT_NEAR(degrees.front().y, 3, 1e-12);
     EXPECT_NEAR(degrees.front().y, radians.front().y, 1e-12);
+    // However many turns: the angle has no bound of its own.
+    EXPECT_EQ(table_of("arc", "3 0 1e9deg").size(), table_of("arc", "3 0 360deg").size());
 }
 
 TEST(RenderCommand, AnswersBadInputWithOneLine) {

@@ -57,7 +57,8 @@ public:
     }
     void draw(Arc_Description const& r) {
         ellipse const& e = r.circle;
-        double const a1 = -r.included_angle / 2, a2 = r.included_angle / 2;
+        // Turns on top of each other take time and show nothing.
+        double const a2 = std::clamp(r.included_angle / 2, -pi, pi), a1 = -a2;
         int const n = e.rendering_density(polygon_tolerance * size_of(e), a1, a2);
         add(stroke_role::outline, e.render_ellipse(n, a1, a2));
         add(stroke_role::bezier, e.render_bezier(a1, a2));

@@ -49,9 +49,6 @@ seen_record see(Geometry_Description const& record, transform const& view, std::
     seen_record seen;
     seen.record.reset(record.create_copy());
     set_apart(*seen.record, place);
-    // Turns on top of each other take time and show nothing.
-    if (auto* const arc = dynamic_cast<Arc_Description*>(seen.record.get()))
-        arc->included_angle = std::clamp(arc->included_angle, -2 * pi, 2 * pi);
     if (!view.is_trivial()) seen.record->apply_transform(view);
     drawing d;
     if (draw_record(*seen.record, {}, d)) seen.strokes = d.strokes;
