@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 scripts/install_packages.sh libbenchmark-dev
 # The peers, which the benchmarks leave out where they are not there.
 for peer in libeigen3-dev libceres-dev libnanoflann-dev libcgal-dev libfmt-dev \
-            libfast-float-dev; do
+            libfast-float-dev libopencv-imgproc-dev; do
     scripts/install_packages.sh "$peer" || echo "Going on without $peer."
 done
 BUILD_OPTIONS="-DTVMATH_BUILD_BENCH=ON" scripts/build.sh release

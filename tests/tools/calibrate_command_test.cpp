@@ -10,8 +10,8 @@
 
 #include "calibrate/calibrate_plot_parts.h"
 #include "command_outcome.h"
-#include "number_text.h"
 #include "record_files.h"
+#include "report/number_text.h"
 #include "support/seeded_random.h"
 
 inline namespace tvmath {

@@ -7,12 +7,12 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "canvas.h"
 #include "command_outcome.h"
 #include "construct/construct_result.h"
-#include "number_text.h"
+#include "plot/canvas.h"
+#include "record/record_xml.h"
 #include "record_files.h"
-#include "record_xml.h"
+#include "report/number_text.h"
 #include "support/seeded_random.h"
 #include "tvmath/scalar.h"
 

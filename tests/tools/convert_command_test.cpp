@@ -1,15 +1,15 @@
-#include "convert_command.h"
+#include "record/convert_command.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "feature_figures.h"
-#include "record_file.h"
+#include "record/record_file.h"
+#include "record/record_names.h"
+#include "record/record_parameters.h"
+#include "record/record_xml.h"
 #include "record_files.h"
-#include "record_names.h"
-#include "record_parameters.h"
-#include "record_xml.h"
+#include "report/feature_figures.h"
 #include "support/seeded_random.h"
 
 inline namespace tvmath {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "fit_result.h"
+#include "fit/fit_result.h"
 #include "support/seeded_random.h"
 #include "support/shape_points.h"
 

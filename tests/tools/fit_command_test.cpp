@@ -1,4 +1,4 @@
-#include "fit_command.h"
+#include "fit/fit_command.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,9 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "canvas.h"
 #include "fit_cases.h"
-#include "number_text.h"
+#include "plot/canvas.h"
+#include "report/number_text.h"
 
 inline namespace tvmath {
 namespace {

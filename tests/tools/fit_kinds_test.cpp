@@ -1,4 +1,4 @@
-#include "fit_kinds.h"
+#include "fit/fit_kinds.h"
 
 #include <gtest/gtest.h>
 

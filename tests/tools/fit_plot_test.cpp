@@ -1,13 +1,13 @@
-#include "fit_plot.h"
+#include "fit/fit_plot.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 
+#include "fit/fit_plot_parts.h"
+#include "fit/fit_view.h"
 #include "fit_cases.h"
-#include "fit_plot_parts.h"
-#include "fit_view.h"
 
 inline namespace tvmath {
 namespace {

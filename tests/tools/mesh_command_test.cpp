@@ -1,4 +1,4 @@
-#include "mesh_command.h"
+#include "mesh/mesh_command.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,9 @@
 #include <set>
 #include <sstream>
 
-#include "canvas.h"
 #include "command_outcome.h"
-#include "number_text.h"
+#include "plot/canvas.h"
+#include "report/number_text.h"
 #include "support/seeded_random.h"
 #include "support/shape_points.h"
 

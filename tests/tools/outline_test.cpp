@@ -1,4 +1,4 @@
-#include "outline.h"
+#include "plot/outline.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "plot_axis.h"
+#include "plot/plot_axis.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "point_file.h"
+#include "files/point_file.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <locale>
 #include <sstream>
 
-#include "fit_report.h"
+#include "fit/fit_report.h"
 #include "support/seeded_random.h"
 #include "support/shape_points.h"
 

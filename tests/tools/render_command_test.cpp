@@ -1,4 +1,4 @@
-#include "render_command.h"
+#include "record/render_command.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <map>
 #include <sstream>
 
-#include "picture.h"
+#include "plot/picture.h"
 #include "tvmath/point.h"
 
 inline namespace tvmath {

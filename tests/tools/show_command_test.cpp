@@ -1,13 +1,13 @@
-#include "show_command.h"
+#include "record/show_command.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "canvas.h"
-#include "fit_command.h"
+#include "fit/fit_command.h"
+#include "plot/canvas.h"
+#include "record/record_xml.h"
 #include "record_files.h"
-#include "record_xml.h"
 
 inline namespace tvmath {
 namespace {

@@ -10,8 +10,8 @@
 #include <sstream>
 
 #include "command_outcome.h"
-#include "fit_command.h"
-#include "fit_result.h"
+#include "fit/fit_command.h"
+#include "fit/fit_result.h"
 #include "support/seeded_random.h"
 #include "support/shape_points.h"
 

@@ -4,11 +4,11 @@
 
 #include "calibrate/calibrate_command.h"
 #include "construct/construct_command.h"
-#include "convert_command.h"
-#include "fit_command.h"
-#include "mesh_command.h"
-#include "render_command.h"
-#include "show_command.h"
+#include "fit/fit_command.h"
+#include "mesh/mesh_command.h"
+#include "record/convert_command.h"
+#include "record/render_command.h"
+#include "record/show_command.h"
 
 inline namespace tvmath {
 

@@ -9,7 +9,7 @@
 
 #include "command_arguments.h"
 #include "exit_status.h"
-#include "record_parameters.h"
+#include "record/record_parameters.h"
 #include "tvmath/version.h"
 
 inline namespace tvmath {

@@ -6,9 +6,9 @@
 #include "calibrate/calibrate_plot.h"
 #include "calibrate/calibrate_report.h"
 #include "calibrate/calibrate_result.h"
-#include "canvas.h"
-#include "file_output.h"
-#include "point_file.h"
+#include "files/file_output.h"
+#include "files/point_file.h"
+#include "plot/canvas.h"
 
 inline namespace tvmath {
 namespace {

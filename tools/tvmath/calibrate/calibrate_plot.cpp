@@ -2,9 +2,9 @@
 
 #include "calibrate/calibrate_plot_parts.h"
 #include "calibrate/calibrate_report.h"
-#include "fit_plot.h"
-#include "fit_plot_parts.h"
-#include "fit_report.h"
+#include "fit/fit_plot.h"
+#include "fit/fit_plot_parts.h"
+#include "fit/fit_report.h"
 
 inline namespace tvmath {
 namespace {

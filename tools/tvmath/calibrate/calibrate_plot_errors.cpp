@@ -3,7 +3,7 @@
 #include <set>
 
 #include "calibrate/calibrate_plot_parts.h"
-#include "fit_plot_parts.h"
+#include "fit/fit_plot_parts.h"
 
 inline namespace tvmath {
 namespace {

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "calibrate/calibrate_plot_parts.h"
-#include "fit_plot_parts.h"
+#include "fit/fit_plot_parts.h"
 
 inline namespace tvmath {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "calibrate/calibrate_result.h"
-#include "canvas.h"
-#include "fit_plot_parts.h"
+#include "fit/fit_plot_parts.h"
+#include "plot/canvas.h"
 
 inline namespace tvmath {
 

@@ -3,10 +3,10 @@
 #include <cmath>
 #include <ostream>
 
-#include "fit_report.h"
-#include "json_text.h"
-#include "number_text.h"
-#include "point_file.h"
+#include "files/point_file.h"
+#include "fit/fit_report.h"
+#include "report/json_text.h"
+#include "report/number_text.h"
 
 inline namespace tvmath {
 namespace {

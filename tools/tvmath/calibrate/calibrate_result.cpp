@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "calibrate/calibrate_fits.h"
-#include "point_file.h"
+#include "files/point_file.h"
 
 inline namespace tvmath {
 namespace {

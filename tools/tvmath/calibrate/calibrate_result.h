@@ -6,7 +6,7 @@
 
 #include "calibrate/calibrate_setup.h"
 #include "calibrate/corrector_file.h"
-#include "canvas.h"
+#include "plot/canvas.h"
 
 inline namespace tvmath {
 

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <sstream>
 
-#include "point_file.h"
-#include "record_file.h"
-#include "record_parameters.h"
+#include "files/point_file.h"
+#include "record/record_file.h"
+#include "record/record_parameters.h"
 
 inline namespace tvmath {
 namespace {

@@ -5,10 +5,10 @@
 #include "calibrate/calibrate_command.h"
 #include "calibrate/calibrate_setup.h"
 #include "calibrate/corrector_file.h"
-#include "file_output.h"
-#include "point_file.h"
-#include "record_file.h"
-#include "record_parameters.h"
+#include "files/file_output.h"
+#include "files/point_file.h"
+#include "record/record_file.h"
+#include "record/record_parameters.h"
 
 inline namespace tvmath {
 namespace {

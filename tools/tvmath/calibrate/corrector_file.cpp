@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "point_file.h"
-#include "record_text.h"
+#include "files/point_file.h"
+#include "record/record_text.h"
 #include "tvmath/corrector_text.h"
 #include "tvmath/wide_string.h"
 

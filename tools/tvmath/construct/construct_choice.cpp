@@ -4,8 +4,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "point_file.h"
-#include "record_text.h"
+#include "files/point_file.h"
+#include "record/record_text.h"
 
 inline namespace tvmath {
 namespace {

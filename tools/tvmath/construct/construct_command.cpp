@@ -5,15 +5,15 @@
 #include <ostream>
 #include <sstream>
 
-#include "canvas.h"
 #include "construct/construct_plot.h"
 #include "construct/construct_report.h"
 #include "construct/construct_result.h"
 #include "construct/construct_sheet.h"
-#include "file_output.h"
-#include "fit_record.h"
-#include "point_file.h"
-#include "record_parameters.h"
+#include "files/file_output.h"
+#include "files/point_file.h"
+#include "fit/fit_record.h"
+#include "plot/canvas.h"
+#include "record/record_parameters.h"
 
 inline namespace tvmath {
 namespace {

@@ -4,10 +4,10 @@
 #include <iterator>
 #include <sstream>
 
-#include "point_file.h"
-#include "record_file.h"
-#include "record_names.h"
-#include "record_parameters.h"
+#include "files/point_file.h"
+#include "record/record_file.h"
+#include "record/record_names.h"
+#include "record/record_parameters.h"
 #include "tvmath/path_fit.h"
 
 inline namespace tvmath {

@@ -1,8 +1,8 @@
 #include "construct/construct_plot.h"
 
 #include "construct/construct_scene.h"
-#include "fit_plot.h"
-#include "fit_report.h"
+#include "fit/fit_plot.h"
+#include "fit/fit_report.h"
 
 inline namespace tvmath {
 namespace {

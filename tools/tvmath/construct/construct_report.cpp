@@ -2,10 +2,10 @@
 
 #include <ostream>
 
-#include "figure_json.h"
-#include "fit_report.h"
-#include "number_text.h"
-#include "record_names.h"
+#include "fit/fit_report.h"
+#include "record/record_names.h"
+#include "report/figure_json.h"
+#include "report/number_text.h"
 
 inline namespace tvmath {
 

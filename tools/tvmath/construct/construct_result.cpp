@@ -6,9 +6,9 @@
 #include <set>
 
 #include "construct/construct_choice.h"
-#include "point_file.h"
-#include "record_names.h"
-#include "record_parameters.h"
+#include "files/point_file.h"
+#include "record/record_names.h"
+#include "record/record_parameters.h"
 
 inline namespace tvmath {
 namespace {

@@ -7,7 +7,7 @@
 #include "construct/construct_request.h"
 #include "construct/construct_table.h"
 #include "exit_status.h"
-#include "feature_figures.h"
+#include "report/feature_figures.h"
 
 inline namespace tvmath {
 

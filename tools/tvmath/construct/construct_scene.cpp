@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "drawing.h"
+#include "plot/drawing.h"
 #include "tvmath/nearest_point.h"
 #include "tvmath/scalar.h"
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "canvas.h"
 #include "construct/construct_result.h"
-#include "fit_plot_parts.h"
+#include "fit/fit_plot_parts.h"
+#include "plot/canvas.h"
 
 inline namespace tvmath {
 

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "construct/construct_scene.h"
-#include "plot_labels.h"
+#include "plot/plot_labels.h"
 
 inline namespace tvmath {
 namespace {
