@@ -42,7 +42,7 @@ TVMATH_API VisionPattern generate_pattern(image sample, double position, double 
 
 /// The same, with the profile centred on an edge of `gradient`, the edge strength of the same window: on the
 /// peak of the squared strength, summed over all rows along the edge that matched, that is nearest to it on
-/// either side; a peak counts from an eighth of the greatest strength on. The match may lie up to 5 pixels
+/// either side; a peak counts from an eighth of the greatest sum on. The match may lie up to 5 pixels
 /// from `position`. Where `gradient` has no pixel, it counts as 0. The empty pattern also when it has no
 /// peak.
 TVMATH_API VisionPattern generate_pattern(image sample, image gradient, double position, double width,
@@ -62,17 +62,22 @@ TVMATH_API VisionPattern generate_pattern(image sample, image gradient, double p
 TVMATH_API image pattern_filter(image input, VisionPattern pattern, bool wrap);
 
 /// Place of the centre of `target` in `scene`, by normalised correlation, as a 2D direction in pixels: a
-/// target cut out from (x, y) on, of c by r pixels, is found at (x + c / 2, y + r / 2), to 0.01 pixel.
+/// target cut out from (x, y) on, of c by r pixels, is found at (x + c / 2, y + r / 2), in steps of 0.01.
 ///
 /// Every 4th pixel in both directions is tried first, then every 2nd, then all, until a correlation above
 /// 0.5625 is met. A weaker one, down to 0.3239, is accepted unless `strict`. The fraction of the pixel comes
 /// from the correlation weighted by the squared gradient of the target, with the scene interpolated between
 /// its pixels. Of equal matches the first from the left counts, and in one column the first from above.
 ///
+/// In blurred texture without noise the error is 0.006 pixel root mean square, 0.02 at most. Noise of the
+/// scene is less where it is interpolated, so it draws the place towards the middle between pixels: at 2 % of
+/// white by 0.05 pixel root mean square. A small target may be met at a false place by every 4th pixel alone:
+/// of 12 by 12 only 9 remain.
+///
 /// The trivial point when there is no such match, for a target without contrast, and for one that leaves less
 /// than 10 pixels of room in either direction; the last column and row of the room are left out. A pixel that
-/// is not finite takes the places that would cover it out of the search; contrasts below a millionth of that
-/// of the scene count as none.
+/// is not finite takes the places that would cover it out of the search; contrasts below about a millionth of
+/// that of the scene count as none.
 ///
 /// Source: normalised correlation from coarse to fine as in A. Rosenfeld, G. J. Vanderbrug, Coarse-fine
 /// template matching, IEEE Trans. SMC-7 (1977) 104-107.

@@ -33,43 +33,24 @@ std::vector<double> gradient_weights(image const& target) {
     return weights;
 }
 
-// Weighted means over the target, and over the scene under it when it is moved by a fraction (fx, fy) of a
-// pixel. There each pixel is a + b fx + c fy + d fx fy, so that the means are polynomials in fx and fy, whose
-// coefficients one pass over the pixels gives.
-struct cell_means {
-    double t = 0, tt = 0;
-    double i[4] = {};   // of 1, fx, fy, fx fy
-    double ti[4] = {};  // of the same
-    double ii[9] = {};  // of fx^m fy^n at m + 3 n
+using lanes = double __attribute__((vector_size(32)));
 
-    // Greys count from the target's first pixel, as in the search for whole pixels.
-    cell_means(image const& scene, image const& target, std::vector<double> const& weights, std::size_t ox,
-               std::size_t oy) {
-        double const zero = target[0][0];
-        double total = 0;
-        double const* w = weights.data();
-        for (std::size_t y = 0; y < rows(target); ++y) {
-            double const* const row = target[static_cast<unsigned int>(y)].begin();
-            double const* const upper = scene[static_cast<unsigned int>(y + oy)].begin() + ox;
-            double const* const lower = scene[static_cast<unsigned int>(y + oy + 1)].begin() + ox;
-            for (std::size_t x = 0; x < cols(target); ++x, ++w) {
-                total += *w;
-                double const corners[] = {upper[x] - zero, upper[x + 1] - zero, lower[x] - zero,
-                                          lower[x + 1] - zero};
-                add(*w, row[x] - zero, corners);
-            }
-        }
-        t /= total;
-        tt /= total;
-        for (double& mean : i) mean /= total;
-        for (double& mean : ti) mean /= total;
-        for (double& mean : ii) mean /= total;
-    }
+// Weighted sums over the target, and over the scene under it when it is moved by a fraction (fx, fy) of a
+// pixel. There each pixel is a + b fx + c fy + d fx fy, so that the sums are polynomials in fx and fy, whose
+// coefficients one pass over the pixels gives. Of a number, or of one in each of several lanes.
+template <class number>
+struct cell_sums {
+    number w = {}, t = {}, tt = {};
+    number i[4] = {};   // of 1, fx, fy, fx fy
+    number ti[4] = {};  // of the same
+    number ii[9] = {};  // of fx^m fy^n at m + 3 n
 
-private:
-    void add(double w, double grey, double const (&corners)[4]) {
-        double const a = corners[0], b = corners[1] - a, c = corners[2] - a, d = corners[3] - corners[2] - b;
-        double const wt = w * grey, wa = w * a, wb = w * b, wc = w * c, wd = w * d;
+    // By the four pixels of the scene about the place.
+    void add(number const& weight, number const& grey, number const& a, number const& right,
+             number const& below, number const& across) {
+        number const b = right - a, c = below - a, d = across - below - b;
+        number const wt = weight * grey, wa = weight * a, wb = weight * b, wc = weight * c, wd = weight * d;
+        w += weight;
         t += wt;
         tt += wt * grey;
         i[0] += wa, i[1] += wb, i[2] += wc, i[3] += wd;
@@ -78,19 +59,70 @@ private:
         ii[3] += 2 * wa * c, ii[4] += 2 * (wa * d + wb * c), ii[5] += 2 * wb * d;
         ii[6] += wc * c, ii[7] += 2 * wc * d, ii[8] += wd * d;
     }
+    // Calls work(place, sum) for each sum, by its place in the order above.
+    template <class function>
+    void for_each(function const& work) {
+        number* const groups[] = {&w, &t, &tt, i, ti, ii};
+        int const sizes[] = {1, 1, 1, 4, 4, 9};
+        for (int g = 0, place = 0; g < 6; ++g) {
+            for (int k = 0; k < sizes[g]; ++k, ++place) work(place, groups[g][k]);
+        }
+    }
 };
 
-// The correlations for one fy and all fx of the cell.
-TVMATH_WIDE_LOOP void correlations_along(cell_means const& m, double fy, double* scores) {
+// Adds `n` pixels of a row. Greys count from `zero`, four pixels side by side, and then what is left.
+TVMATH_WIDE_LOOP void add_row(cell_sums<lanes>& sums, cell_sums<double>& rest, double const* weight,
+                              double const* grey, double const* upper, double const* lower, std::size_t n,
+                              double zero) {
+    cell_sums<lanes> wide = sums;
+    std::size_t x = 0;
+    for (; x + 4 <= n; x += 4) {
+        lanes v[6];
+        double const* const from[] = {weight, grey, upper, upper + 1, lower, lower + 1};
+        for (int k = 0; k < 6; ++k) std::memcpy(&v[k], from[k] + x, sizeof v[k]);
+        for (int k = 1; k < 6; ++k) v[k] -= zero;
+        wide.add(v[0], v[1], v[2], v[3], v[4], v[5]);
+    }
+    sums = wide;
+    for (; x < n; ++x) {
+        rest.add(weight[x], grey[x] - zero, upper[x] - zero, upper[x + 1] - zero, lower[x] - zero,
+                 lower[x + 1] - zero);
+    }
+}
+
+// The means by which the correlation is known all over one cell. Greys count from the target's first pixel,
+// as in the search for whole pixels.
+cell_sums<double> cell_means(image const& scene, image const& target, std::vector<double> const& weights,
+                             std::size_t ox, std::size_t oy) {
+    cell_sums<lanes> wide;
+    cell_sums<double> means;
+    std::size_t const n = cols(target);
+    for (unsigned int y = 0; y < rows(target); ++y) {
+        unsigned int const under = y + static_cast<unsigned int>(oy);
+        add_row(wide, means, weights.data() + y * n, target[y].begin(), scene[under].begin() + ox,
+                scene[under + 1].begin() + ox, n, target[0][0]);
+    }
+    double of_lanes[20];
+    wide.for_each(
+        [&](int place, lanes const& sum) { of_lanes[place] = (sum[0] + sum[1]) + (sum[2] + sum[3]); });
+    means.for_each([&](int place, double& sum) { sum += of_lanes[place]; });
+    double const total = means.w;
+    means.for_each([&](int, double& sum) { sum /= total; });
+    return means;
+}
+
+// scores[s] = the correlation at fx = fractions[s] and one fy, from the means as polynomials of fx. A side
+// without contrast gives no finite number.
+TVMATH_WIDE_LOOP void correlations_along(cell_sums<double> const& m, double fy, double const* fractions,
+                                         double* scores) {
+    double const t = m.t, variance = m.tt - t * t;
     double const i0 = m.i[0] + m.i[2] * fy, i1 = m.i[1] + m.i[3] * fy;
     double const ti0 = m.ti[0] + m.ti[2] * fy, ti1 = m.ti[1] + m.ti[3] * fy;
-    double ii[3];
-    for (int k = 0; k < 3; ++k) ii[k] = m.ii[k] + fy * (m.ii[k + 3] + fy * m.ii[k + 6]);
+    double const ii0 = m.ii[0] + fy * (m.ii[3] + fy * m.ii[6]), ii1 = m.ii[1] + fy * (m.ii[4] + fy * m.ii[7]),
+                 ii2 = m.ii[2] + fy * (m.ii[5] + fy * m.ii[8]);
     for (int s = 0; s < steps; ++s) {
-        double const fx = s / static_cast<double>(steps), i = i0 + i1 * fx;
-        double const product = (m.tt - m.t * m.t) * (ii[0] + fx * (ii[1] + fx * ii[2]) - i * i);
-        double const score = (ti0 + ti1 * fx - m.t * i) / std::sqrt(product);
-        scores[s] = product <= 0 ? -1.0 : score;
+        double const fx = fractions[s], i = i0 + i1 * fx;
+        scores[s] = (ti0 + ti1 * fx - t * i) / std::sqrt(variance * (ii0 + fx * (ii1 + fx * ii2) - i * i));
     }
 }
 
@@ -101,18 +133,18 @@ void refine_match(image const& scene, image const& target, match_range const& ra
     std::vector<double> const weights = gradient_weights(target);
     x = static_cast<double>(at.x);
     y = static_cast<double>(at.y);
-    double best = -1.0, scores[steps];
+    double best = -1.0, scores[steps], fractions[steps];
+    for (int s = 0; s < steps; ++s) fractions[s] = s / static_cast<double>(steps);
     // The place itself and its neighbours bound the cells, so the last place of the range begins none.
     for (std::size_t ox = at.x > 0 ? at.x - 1 : 0; ox < std::min(at.x + 1, range.x1 - 1); ++ox) {
         for (std::size_t oy = at.y > 0 ? at.y - 1 : 0; oy < std::min(at.y + 1, range.y1 - 1); ++oy) {
-            cell_means const means(scene, target, weights, ox, oy);
-            for (int step = 0; step < steps; ++step) {
-                double const fy = step / static_cast<double>(steps);
-                correlations_along(means, fy, scores);
+            cell_sums<double> const means = cell_means(scene, target, weights, ox, oy);
+            for (double const fy : fractions) {
+                correlations_along(means, fy, fractions, scores);
                 for (int s = 0; s < steps; ++s) {
-                    if (!(scores[s] > best)) continue;
+                    if (!(scores[s] > best) || std::isinf(scores[s])) continue;
                     best = scores[s];
-                    x = static_cast<double>(ox) + s / static_cast<double>(steps);
+                    x = static_cast<double>(ox) + fractions[s];
                     y = static_cast<double>(oy) + fy;
                 }
             }

@@ -151,6 +151,14 @@ image match_by_energy(image const& m, std::vector<double> q) {
     return result.enhance();
 }
 
+// to[x] = product / root of to[x], which is a variance and counts as no less than `least`.
+TVMATH_WIDE_LOOP void divide_by_deviation(double* to, double const* product, double least, std::size_t n) {
+    for (std::size_t x = 0; x < n; ++x) {
+        double const variance = to[x] < least ? least : to[x];
+        to[x] = product[x] / std::sqrt(variance);
+    }
+}
+
 image match_by_coefficient(image const& m, std::vector<double> q) {
     standardize(q);
     image result;
@@ -167,12 +175,12 @@ image match_by_coefficient(image const& m, std::vector<double> q) {
     // busiest window, and more than noise.
     double const least = std::max(*std::max_element(of_row.begin(), of_row.end()) / 4.0, sqr(0.04));
     for_rows(m, q.size(), [&](std::size_t y, windowed_row& row) {
-        double const* const c = row.correlation(q);
+        divide_by_deviation(to[y], row.correlation(q), least, cols(m));
         double best = -infinity;
         for (std::size_t x = 0; x < cols(m); ++x) {
-            double const variance = to[y][x], r = c[x] / std::sqrt(variance < least ? least : variance);
-            to[y][x] = r > 0.1 ? r : 0.0;
+            double const r = to[y][x];
             if (r > best) best = r;
+            to[y][x] = r > 0.1 ? r : 0.0;
         }
         of_row[y] = best;
     });

@@ -47,31 +47,35 @@ image changed(image m, std::function<double(double)> const& change) {
     });
 }
 
-// Bilinear interpolation and steps of 0.01 pixel allow for 0.01 without noise; the camera's gain and offset
-// do not matter.
+// The interpolation of the scene and the steps of 0.01 pixel leave some thousandths of a pixel; the camera's
+// gain and offset do not matter. Noise makes it more, since the interpolation lessens it half-way between
+// pixels, where the match looks better than it is.
 TEST(LocateImage, FindsTargetsSeenFromPlacesBetweenPixels) {
     seeded_random random(1);
-    double worst = 0, worst_with_noise = 0;
-    for (int trial = 0; trial < 30; ++trial) {
-        spots const scene(random, 90, 70);
-        unsigned int const r = 32 + random.below(16), c = 32 + random.below(16);
-        double const x = random.uniform(1, 88.0 - c), y = random.uniform(1, 68.0 - r);
-        double const gain = random.log_uniform(0.01, 100), offset = random.uniform(-3, 3);
-        image const whole = scene.seen_from(0, 0, 70, 90), target = scene.seen_from(x, y, r, c);
-        auto const error_of = [&](image const& searched) {
-            point const p =
-                locate_image(searched, changed(target, [=](double v) { return gain * v + offset; }), true);
-            EXPECT_TRUE(p.is_2d() && p.is_direction()) << trial;
-            return std::max(std::fabs(p.x() - x - c / 2.0), std::fabs(p.y() - y - r / 2.0));
-        };
-        worst = std::max(worst, error_of(whole));
-        worst_with_noise = std::max(
-            worst_with_noise, error_of(changed(whole, [&](double v) { return v + 0.02 * random.normal(); })));
+    for (double noise : {0.0, 0.02}) {
+        double square_sum = 0, worst = 0;
+        constexpr int trials = 30;
+        for (int trial = 0; trial < trials; ++trial) {
+            spots const scene(random, 90, 70);
+            unsigned int const r = 32 + random.below(16), c = 32 + random.below(16);
+            double const x = random.uniform(1, 88.0 - c), y = random.uniform(1, 68.0 - r);
+            double const gain = random.log_uniform(0.01, 100), offset = random.uniform(-3, 3);
+            auto const seen = [&](double v) { return v + noise * random.normal(); };
+            image const whole = changed(scene.seen_from(0, 0, 70, 90), seen);
+            image const target =
+                changed(scene.seen_from(x, y, r, c), [=](double v) { return gain * v + offset; });
+            point const p = locate_image(whole, target, true);
+            ASSERT_TRUE(p.is_2d() && p.is_direction()) << trial;
+            double const dx = p.x() - x - c / 2.0, dy = p.y() - y - r / 2.0;
+            square_sum += sqr(dx) + sqr(dy);
+            worst = std::max({worst, std::fabs(dx), std::fabs(dy)});
+        }
+        double const deviation = std::sqrt(square_sum / (2 * trials));
+        RecordProperty(noise > 0 ? "noisy" : "clean",
+                       std::to_string(deviation) + " " + std::to_string(worst));
+        EXPECT_LT(deviation, noise > 0 ? 0.06 : 0.008);
+        EXPECT_LT(worst, noise > 0 ? 0.13 : 0.025);
     }
-    RecordProperty("worst", std::to_string(worst));
-    RecordProperty("worst_with_noise", std::to_string(worst_with_noise));
-    EXPECT_LT(worst, 0.02);
-    EXPECT_LT(worst_with_noise, 0.1);
 }
 
 TEST(LocateImage, FindsNothingInNoise) {
