@@ -11,8 +11,8 @@ namespace {
 
 constexpr double certain_match = 0.5625, weakest_match = 0.3239;
 
-// Means over every k-th pixel of the target and of the scene under it. Greys count from the target's first
-// pixel, since a mean of squares less a squared mean would cancel where the contrast is small.
+// Means over every k-th pixel of the target and of the scene under it. Greys count from the first pixel of
+// either, since a mean of squares less a squared mean would cancel where the contrast is small.
 class full_correlation {
 public:
     full_correlation(image const& scene, image const& target, std::size_t k)
@@ -29,12 +29,13 @@ public:
     }
 
     double at(std::size_t ox, std::size_t oy) const {
+        double const zero = scene_[static_cast<unsigned int>(oy)][static_cast<unsigned int>(ox)];
         double i = 0, ii = 0, ti = 0;
         for (std::size_t y = 0; y < rows(target_); y += step_) {
             double const* const row = target_[static_cast<unsigned int>(y)].begin();
             double const* const under = scene_[static_cast<unsigned int>(y + oy)].begin() + ox;
             for (std::size_t x = 0; x < cols(target_); x += step_) {
-                double const v = under[x] - zero_;
+                double const v = under[x] - zero;
                 i += v;
                 ii += v * v;
                 ti += (row[x] - zero_) * v;

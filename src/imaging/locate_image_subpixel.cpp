@@ -70,23 +70,24 @@ struct cell_sums {
     }
 };
 
-// Adds `n` pixels of a row. Greys count from `zero`, four pixels side by side, and then what is left.
+// Adds `n` pixels of a row, four side by side and then what is left. Greys count from the zeros.
 TVMATH_WIDE_LOOP void add_row(cell_sums<lanes>& sums, cell_sums<double>& rest, double const* weight,
                               double const* grey, double const* upper, double const* lower, std::size_t n,
-                              double zero) {
+                              double grey_zero, double scene_zero) {
     cell_sums<lanes> wide = sums;
     std::size_t x = 0;
     for (; x + 4 <= n; x += 4) {
         lanes v[6];
         double const* const from[] = {weight, grey, upper, upper + 1, lower, lower + 1};
         for (int k = 0; k < 6; ++k) std::memcpy(&v[k], from[k] + x, sizeof v[k]);
-        for (int k = 1; k < 6; ++k) v[k] -= zero;
+        v[1] -= grey_zero;
+        for (int k = 2; k < 6; ++k) v[k] -= scene_zero;
         wide.add(v[0], v[1], v[2], v[3], v[4], v[5]);
     }
     sums = wide;
     for (; x < n; ++x) {
-        rest.add(weight[x], grey[x] - zero, upper[x] - zero, upper[x + 1] - zero, lower[x] - zero,
-                 lower[x + 1] - zero);
+        rest.add(weight[x], grey[x] - grey_zero, upper[x] - scene_zero, upper[x + 1] - scene_zero,
+                 lower[x] - scene_zero, lower[x + 1] - scene_zero);
     }
 }
 
@@ -97,10 +98,11 @@ cell_sums<double> cell_means(image const& scene, image const& target, std::vecto
     cell_sums<lanes> wide;
     cell_sums<double> means;
     std::size_t const n = cols(target);
+    double const zero = scene[static_cast<unsigned int>(oy)][static_cast<unsigned int>(ox)];
     for (unsigned int y = 0; y < rows(target); ++y) {
         unsigned int const under = y + static_cast<unsigned int>(oy);
         add_row(wide, means, weights.data() + y * n, target[y].begin(), scene[under].begin() + ox,
-                scene[under + 1].begin() + ox, n, target[0][0]);
+                scene[under + 1].begin() + ox, n, target[0][0], zero);
     }
     double of_lanes[20];
     wide.for_each(

@@ -98,6 +98,9 @@ public:
         std::copy_n(row, cols_, padded_.begin() + static_cast<std::ptrdiff_t>(half_));
         std::fill(padded_.begin() + static_cast<std::ptrdiff_t>(half_ + cols_), padded_.end(),
                   row[cols_ - 1]);
+    }
+    // Before the sums below are asked for.
+    void sum_up() {
         for (std::size_t i = 0; i + 1 < sums_.size(); ++i) {
             sums_[i + 1] = sums_[i] + padded_[i];
             squares_[i + 1] = squares_[i] + padded_[i] * padded_[i];
@@ -140,6 +143,7 @@ image match_by_energy(image const& m, std::vector<double> q) {
     image result;
     std::vector<double*> const to = rows_to_write(result, rows(m), cols(m));
     for_rows(m, q.size(), [&](std::size_t y, windowed_row& row) {
+        row.sum_up();
         double const* const c = row.correlation(q);
         for (std::size_t x = 0; x < cols(m); ++x) {
             double const energy = row.square_sum(x);
@@ -164,7 +168,8 @@ image match_by_coefficient(image const& m, std::vector<double> q) {
     image result;
     std::vector<double*> const to = rows_to_write(result, rows(m), cols(m));
     std::vector<double> of_row(rows(m));  // the greatest variance of each row, then its best match
-    for_rows(m, q.size(), [&](std::size_t y, windowed_row const& row) {
+    for_rows(m, q.size(), [&](std::size_t y, windowed_row& row) {
+        row.sum_up();
         for (std::size_t x = 0; x < cols(m); ++x) {
             double const variance = to[y][x] = row.variance(x);
             if (variance > of_row[y]) of_row[y] = variance;
