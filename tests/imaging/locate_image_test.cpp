@@ -131,8 +131,8 @@ struct plain_search {
     }
 };
 
-// Scenes in which all levels decide: noise, of which a disturbed part is sought, with black areas or repeated
-// with a period, where many places are equally good.
+// Scenes in which all levels decide: noise, of which a disturbed part is sought, with flat areas or repeated
+// with a period, where many places are equally good, or differ by less than single precision tells.
 TEST(LocateImage, DecidesAsTheSearchOfAllPlaces) {
     seeded_random random(3);
     int found = 0, missed = 0;
@@ -140,11 +140,13 @@ TEST(LocateImage, DecidesAsTheSearchOfAllPlaces) {
         unsigned int const r = 5 + random.below(9), c = 5 + random.below(9), period = 6 + random.below(3);
         unsigned int const h = r + 10 + random.below(20), w = c + 10 + random.below(20);
         image noise = random_image(random, h, w);
-        double const strength = random.unit(), level = trial % 2 == 0 ? 0 : 1e3;
+        double const strength = random.unit(), level = random.coin() ? 0 : 1e3;
         image const scene = image_of(h, w, [&](double y, double x) {
             unsigned int const i = static_cast<unsigned int>(y), j = static_cast<unsigned int>(x);
-            if (trial % 3 == 0) return level + noise[i % period][j % period];
-            return level + (trial % 3 == 1 && j > w / 2 ? 0.1 : noise[i][j]);
+            double const again = noise[(i + j) % period][j % 3];
+            if (trial % 4 == 0) return level + again;
+            if (trial % 4 == 1) return level + again + 1e-7 * noise[i][j];
+            return level + (trial % 4 == 2 && j > w / 2 ? 0.1 : noise[i][j]);
         });
         image const part = keep_matrix(scene, random.below(h - r), r, random.below(w - c), c);
         image const target = changed(part, [&](double v) { return v + strength * random.normal(); });
