@@ -46,6 +46,7 @@
 #include "tvmath/nurb.h"
 #include "tvmath/overlay.h"
 #include "tvmath/path_fit.h"
+#include "tvmath/pattern.h"
 #include "tvmath/persistence.h"
 #include "tvmath/pixel.h"
 #include "tvmath/plane.h"
