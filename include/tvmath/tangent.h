@@ -39,7 +39,7 @@ TVMATH_API idioms::array<line> line_tangent(point const& p, ellipse e);
 /// - An ellipse within the other has none, nor have two that are the same.
 ///
 /// Ellipses touch where their supports (the distances of their tangents from the origin) come within some
-/// 4e-15 of the coordinates and sizes. Both places on it then are one, about which the tangent is given with
+/// 1e-14 of the coordinates and sizes. Both places on it then are one, about which the tangent is given with
 /// a half-length of 0.005. The distance of any tangent from either ellipse is of that order. Empty for an
 /// ellipse that is seen edge-on.
 ///
