@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "support/bench_name.h"
+#include "support/image_sizes.h"
 #include "support/seeded_random.h"
 #include "tvmath/edge.h"
 
@@ -13,13 +14,6 @@
 
 inline namespace tvmath {
 namespace {
-
-// Named by their columns: a video camera, a machine's camera, a scanned surface.
-std::vector<std::int64_t> const sizes = {640, 1280, 4096};
-
-unsigned int rows_of(std::int64_t columns) {
-    return columns == 640 ? 480 : columns == 1280 ? 1024 : 4096;
-}
 
 void set_pixels(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0) * rows_of(state.range(0)));
@@ -145,14 +139,14 @@ void opencv_box(benchmark::State& state) {
 template <unsigned int width>
 void register_boxcars() {
     std::string const end = "_" + std::to_string(width);
-    register_sizes("boxcar_rows" + end, "tvmath", boxcar_rows<width>, sizes);
-    register_sizes("boxcar_columns" + end, "tvmath", boxcar_columns<width>, sizes);
-    register_sizes("boxcar_square" + end, "tvmath", boxcar_square<width>, sizes);
-    register_sizes("boxcar_square" + end, "copy", copy_pixels, sizes);
+    register_sizes("boxcar_rows" + end, "tvmath", boxcar_rows<width>, image_sizes);
+    register_sizes("boxcar_columns" + end, "tvmath", boxcar_columns<width>, image_sizes);
+    register_sizes("boxcar_square" + end, "tvmath", boxcar_square<width>, image_sizes);
+    register_sizes("boxcar_square" + end, "copy", copy_pixels, image_sizes);
 #ifdef TVMATH_HAS_OPENCV
-    register_sizes("boxcar_rows" + end, "opencv", opencv_box<width, 1>, sizes);
-    register_sizes("boxcar_columns" + end, "opencv", opencv_box<1, width>, sizes);
-    register_sizes("boxcar_square" + end, "opencv", opencv_box<width, width>, sizes);
+    register_sizes("boxcar_rows" + end, "opencv", opencv_box<width, 1>, image_sizes);
+    register_sizes("boxcar_columns" + end, "opencv", opencv_box<1, width>, image_sizes);
+    register_sizes("boxcar_square" + end, "opencv", opencv_box<width, width>, image_sizes);
 #endif
 }
 
@@ -160,12 +154,12 @@ int const registered = [] {
     register_boxcars<3>();
     register_boxcars<15>();
     register_boxcars<101>();
-    register_sizes("edge_gradient", "tvmath", gradient, sizes);
-    register_sizes("threshold", "tvmath", cut_dark, sizes);
-    register_sizes("ave_gray", "tvmath", statistics, sizes);
-    register_sizes("hough", "tvmath", line_transform, sizes);
-    register_sizes("normal_angle_3", "tvmath", normal_angle<3>, sizes);
-    register_sizes("normal_angle_30", "tvmath", normal_angle<30>, sizes);
+    register_sizes("edge_gradient", "tvmath", gradient, image_sizes);
+    register_sizes("threshold", "tvmath", cut_dark, image_sizes);
+    register_sizes("ave_gray", "tvmath", statistics, image_sizes);
+    register_sizes("hough", "tvmath", line_transform, image_sizes);
+    register_sizes("normal_angle_3", "tvmath", normal_angle<3>, image_sizes);
+    register_sizes("normal_angle_30", "tvmath", normal_angle<30>, image_sizes);
     register_sizes("find_edge", "tvmath", find_edge, {60, 240, 1000});
     register_sizes("lsf_edge", "tvmath", fit_edge, {60, 240, 1000});
     return 0;

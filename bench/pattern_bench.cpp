@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "support/bench_name.h"
+#include "support/image_sizes.h"
 #include "support/seeded_random.h"
 
 #ifdef TVMATH_HAS_OPENCV
@@ -13,13 +14,6 @@
 
 inline namespace tvmath {
 namespace {
-
-// Named by their columns: a video camera, a machine's camera, a scanned surface.
-std::vector<std::int64_t> const sizes = {640, 1280, 4096};
-
-unsigned int rows_of(std::int64_t columns) {
-    return columns == 640 ? 480 : columns == 1280 ? 1024 : 4096;
-}
 
 // Texture of some pixels, with noise.
 image scene(std::int64_t columns) {
@@ -90,9 +84,9 @@ void opencv_locate(benchmark::State& state) {
 template <unsigned int size>
 void register_targets() {
     std::string const name = "locate_image_" + std::to_string(size);
-    register_sizes(name, "tvmath", locate<size>, sizes, size > 64 ? 3 : 0);
+    register_sizes(name, "tvmath", locate<size>, image_sizes, size > 64 ? 3 : 0);
 #ifdef TVMATH_HAS_OPENCV
-    register_sizes(name, "opencv", opencv_locate<static_cast<int>(size)>, sizes, 3);
+    register_sizes(name, "opencv", opencv_locate<static_cast<int>(size)>, image_sizes, 3);
 #endif
 }
 
@@ -101,7 +95,7 @@ int const registered = [] {
     register_targets<64>();
     register_targets<128>();
     register_sizes("locate_image_missed_64", "tvmath", miss<64>, {640, 1280}, 3);
-    register_sizes("pattern_filter_21", "tvmath", filter, sizes);
+    register_sizes("pattern_filter_21", "tvmath", filter, image_sizes);
     return 0;
 }();
 

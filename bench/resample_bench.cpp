@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "support/bench_name.h"
+#include "support/image_sizes.h"
 #include "support/seeded_random.h"
 #include "tvmath/overlay.h"
 
@@ -15,11 +16,8 @@
 inline namespace tvmath {
 namespace {
 
-// Named by their columns: a video camera, a machine's camera, a scanned surface.
-std::vector<std::int64_t> const sizes = {640, 1280, 4096};
-
 image scene(std::int64_t columns) {
-    unsigned int const c = static_cast<unsigned int>(columns), r = c == 640 ? 480 : c == 1280 ? 1024 : 4096;
+    unsigned int const c = static_cast<unsigned int>(columns), r = rows_of(columns);
     seeded_random random(1);
     image m(r, c);
     for (unsigned int y = 0; y < r; ++y) {
@@ -128,22 +126,22 @@ void opencv_warp(benchmark::State& state) {
 #endif
 
 int const registered = [] {
-    register_sizes("rotate_upright", "tvmath", rotate_window<upright, 100>, sizes);
-    register_sizes("rotate_30", "tvmath", rotate_window<degrees_30, 100>, sizes);
-    register_sizes("rotate_100", "tvmath", rotate_window<degrees_100, 100>, sizes);
+    register_sizes("rotate_upright", "tvmath", rotate_window<upright, 100>, image_sizes);
+    register_sizes("rotate_30", "tvmath", rotate_window<degrees_30, 100>, image_sizes);
+    register_sizes("rotate_100", "tvmath", rotate_window<degrees_100, 100>, image_sizes);
     register_sizes("rotate_30_enlarged", "tvmath", rotate_window<degrees_30, 200>, {640, 1280});
-    register_sizes("rotate_30_reduced", "tvmath", rotate_window<degrees_30, 25>, sizes);
-    register_sizes("transform_gather", "tvmath", rotate_by_transform<90>, sizes);
-    register_sizes("transform_scatter", "tvmath", rotate_by_transform<110>, sizes);
+    register_sizes("rotate_30_reduced", "tvmath", rotate_window<degrees_30, 25>, image_sizes);
+    register_sizes("transform_gather", "tvmath", rotate_by_transform<90>, image_sizes);
+    register_sizes("transform_scatter", "tvmath", rotate_by_transform<110>, image_sizes);
     register_sizes("profile", "tvmath", profile_of, {64, 256, 1024});
-    register_sizes("bitmap", "tvmath", bitmap_with_overlays, sizes);
+    register_sizes("bitmap", "tvmath", bitmap_with_overlays, image_sizes);
 #ifdef TVMATH_HAS_OPENCV
-    register_sizes("rotate_upright", "opencv", opencv_warp<upright, 100>, sizes);
-    register_sizes("rotate_30", "opencv", opencv_warp<degrees_30, 100>, sizes);
-    register_sizes("rotate_100", "opencv", opencv_warp<degrees_100, 100>, sizes);
+    register_sizes("rotate_upright", "opencv", opencv_warp<upright, 100>, image_sizes);
+    register_sizes("rotate_30", "opencv", opencv_warp<degrees_30, 100>, image_sizes);
+    register_sizes("rotate_100", "opencv", opencv_warp<degrees_100, 100>, image_sizes);
     register_sizes("rotate_30_enlarged", "opencv", opencv_warp<degrees_30, 200>, {640, 1280});
-    register_sizes("rotate_30_reduced", "opencv", opencv_warp<degrees_30, 25>, sizes);
-    register_sizes("transform_gather", "opencv", opencv_warp<degrees_30, 90>, sizes);
+    register_sizes("rotate_30_reduced", "opencv", opencv_warp<degrees_30, 25>, image_sizes);
+    register_sizes("transform_gather", "opencv", opencv_warp<degrees_30, 90>, image_sizes);
 #endif
     return 0;
 }();

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <concepts>
 #include <utility>
 
 #include "tvmath/export.h"
+#include "tvmath/persistence.h"
 #include "tvmath/ref.h"
 #include "tvmath/storage.h"
 #include "tvmath/transform.h"
@@ -98,8 +100,9 @@ TVMATH_API wide_string to_ascii(idioms::ref<multi_solution> const& solution);
 /// The object whose text form, without its outer brackets, `text` is. An empty handle for null, for a key
 /// that no factory knows and for text that is none.
 TVMATH_API idioms::ref<multi_solution> to_multi_solution(unsigned short const* text);
-inline idioms::ref<multi_solution> to_multi_solution(char16_t const* text) {
-    return to_multi_solution(reinterpret_cast<unsigned short const*>(text));
+template <std::same_as<char16_t> unit>
+idioms::ref<multi_solution> to_multi_solution(unit const* text) {
+    return to_multi_solution(literal_text(text).get());
 }
 
 }  // namespace Persistence

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 
 #include "correction/chebyshev.h"
 #include "correction/term_reduction.h"
@@ -31,10 +30,8 @@ void fit_best_order(flatness_corrector& c, std::vector<point> const& points, dou
     }
     terms.finish();
 
-    // A sum of squares within some roundings of the heights says nothing, and the reduction adds to them
-    // block by block: exact data then have the residual 0 from their own order on.
     auto const n = static_cast<double>(points.size());
-    double const rounding = (8 + n / 32) * std::numeric_limits<double>::epsilon() * largest;
+    double const rounding = term_reduction::rounding(points.size(), largest);
     double best = infinity;
     for (unsigned int order = 2; order <= highest && terms.determines(order); order += 2) {
         double const squares = terms.sum_of_squares(order, 0);

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "correction/chebyshev.h"
 #include "correction/term_reduction.h"
@@ -35,10 +34,7 @@ public:
     double residual(unsigned int order) const {
         if (!terms_.determines(order)) return infinity;
         double const squares = terms_.sum_of_squares(order, 0) + terms_.sum_of_squares(order, 1);
-        // Each coordinate is rounded, and so is each that it was computed from: what is not above some of
-        // these roundings says nothing. So exact data have the same residual, 0, from their own order on.
-        // The reduction adds to them block by block.
-        double const rounding = (8 + points_ / 32.0) * std::numeric_limits<double>::epsilon() * largest_;
+        double const rounding = term_reduction::rounding(points_, largest_);
         bool const is_exact = std::sqrt(squares) <= rounding * std::sqrt(2.0 * points_);
         return std::sqrt((is_exact ? 0.0 : squares) / (points_ - chebyshev::term_count(order)));
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "correction/chebyshev.h"
 
@@ -51,6 +52,10 @@ void term_reduction::finish() {
         double const own = std::fabs(triangle_[rank_ * width_ + rank_]);
         if (!(own > least_own_part * std::sqrt(length2))) break;
     }
+}
+
+double term_reduction::rounding(std::size_t points, double largest) {
+    return (8 + static_cast<double>(points) / 32) * std::numeric_limits<double>::epsilon() * largest;
 }
 
 void term_reduction::fold() {

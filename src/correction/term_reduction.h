@@ -33,6 +33,10 @@ public:
     bool determines(unsigned int order) const;
     /// The least sum of squares of that order.
     double sum_of_squares(unsigned int order, unsigned int side) const;
+    /// The root mean square of what is left over that says nothing, being some roundings of right-hand sides
+    /// from data of magnitude `largest`: each is rounded, and the reduction adds to them block by block. What
+    /// is not above it counts as 0, so that exact data have the residual 0 from their own order on.
+    static double rounding(std::size_t points, double largest);
     /// Writes the coefficients of that order, which must be determined.
     void solve(unsigned int order, unsigned int side, double* coefficients) const;
 

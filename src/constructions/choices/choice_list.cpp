@@ -20,15 +20,16 @@ bool exists(line_ends const& l) {
     return exists(l.start) && exists(l.end);
 }
 
-double gap(point const& a, point const& b) {
+double apart(point const& a, point const& b) {
     return distance2d(a, b);
 }
-double gap(circle const& a, circle const& b) {
+double apart(circle const& a, circle const& b) {
     return std::hypot(distance2d(a.basis(0), b.basis(0)), a.radius() - b.radius());
 }
 // Of the same line whichever way it runs: swapped arguments of a construction reverse its answers.
-double gap(line_ends const& a, line_ends const& b) {
-    return std::min(gap(a.start, b.start) + gap(a.end, b.end), gap(a.start, b.end) + gap(a.end, b.start));
+double apart(line_ends const& a, line_ends const& b) {
+    return std::min(apart(a.start, b.start) + apart(a.end, b.end),
+                    apart(a.start, b.end) + apart(a.end, b.start));
 }
 
 template <class shape>
@@ -77,7 +78,7 @@ bool solution_list<answer>::update_from(multi_solution const* previous) {
     double least = infinity;
     for (std::size_t i = 0; i < answers_.size(); ++i) {
         if (!exists(answers_[i])) continue;
-        double const d = gap(*wanted, answers_[i]);
+        double const d = apart(*wanted, answers_[i]);
         if (d < least) {
             least = d;
             nearest = i;

@@ -1,11 +1,10 @@
 #include "calibrate/corrector_file.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iostream>
 #include <string_view>
 #include <vector>
 
+#include "files/file_input.h"
 #include "files/point_file.h"
 #include "record/record_text.h"
 #include "tvmath/corrector_text.h"
@@ -118,23 +117,6 @@ bool has_sizes(std::vector<item> const& items, corrector_kind kind) {
     return items[width].values[0] > 0 && items[width + 1].values[0] > 0;
 }
 
-bool read_all(std::string const& name, std::string& bytes, std::string& reason) {
-    std::ifstream file;
-    read_error error;
-    if (name != "-" && !open_input(name, file, error)) {
-        reason = error.reason;
-        return false;
-    }
-    std::istream& in = name == "-" ? std::cin : file;
-    bytes.resize(largest_file + 1);
-    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<std::size_t>(in.gcount()));
-    if (in.bad()) reason = "cannot be read";
-    if (bytes.size() > largest_file) reason = "is larger than 1 MiB; this is no corrector";
-    if (bytes.empty()) reason = "is empty";
-    return reason.empty();
-}
-
 }  // namespace
 
 char const* corrector_name(corrector_kind kind) {
@@ -184,7 +166,7 @@ bool read_corrector_text(std::string text, any_corrector& corrector, std::string
 
 exit_status read_corrector_file(std::string const& name, any_corrector& corrector, std::string& reason) {
     std::string bytes, why;
-    if (read_all(name, bytes, why)) {
+    if (read_all(name, largest_file, "is larger than 1 MiB; this is no corrector", bytes, why)) {
         if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
         if (read_corrector_text(std::move(bytes), corrector, why)) return exit_status::done;
     }

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iostream>
 
+#include "files/file_input.h"
 #include "files/point_file.h"
 #include "record_names.h"
 #include "record_text.h"
@@ -17,8 +16,7 @@
 inline namespace tvmath {
 namespace {
 
-// Five million points with all their digits. An endless pipe ends here.
-constexpr std::size_t largest_file = std::size_t{1} << 28;
+constexpr std::size_t largest_file = std::size_t{1} << 28;  // five million points with all their digits
 
 struct form_row {
     char const *word, *suffix;
@@ -30,29 +28,6 @@ form_row const forms[] = {{"csv", ".csv", file_form::csv},
                           {"text", ".txt", file_form::text},
                           {"hex", ".hex", file_form::hexadecimal},
                           {"xml", ".xml", file_form::xml}};
-
-bool read_all(std::string const& name, std::string& bytes, std::string& reason) {
-    std::ifstream file;
-    read_error error;
-    if (name != "-" && !open_input(name, file, error)) {
-        reason = error.reason;
-        return false;
-    }
-    std::istream& in = name == "-" ? std::cin : file;
-    std::string all, block(std::size_t{1} << 20, '\0');
-    while (in.read(block.data(), static_cast<std::streamsize>(block.size())), in.gcount() > 0) {
-        all.append(block, 0, static_cast<std::size_t>(in.gcount()));
-        if (all.size() > largest_file) {
-            reason = "is larger than 256 MiB";
-            return false;
-        }
-    }
-    if (in.bad()) reason = "cannot be read";
-    if (all.empty()) reason = "is empty";
-    if (!reason.empty()) return false;
-    bytes.swap(all);
-    return true;
-}
 
 // What is wrong with a text before it is looked at as one. XML has its own encodings.
 bool is_plain_text(std::string& bytes, std::string& reason) {
@@ -203,7 +178,8 @@ bool compress(std::vector<point> points, unsigned char method, std::string& byte
 exit_status read_other(std::string const& file, file_form form, unsigned long long type,
                        std::shared_ptr<Geometry_Description>& record, std::string& reason) {
     std::string bytes;
-    if (!read_all(file, bytes, reason)) return exit_status::unreadable_input;
+    if (!read_all(file, largest_file, "is larger than 256 MiB", bytes, reason))
+        return exit_status::unreadable_input;
     if (form == file_form::xml) return read_record_xml(bytes, record, reason);
     if (!is_plain_text(bytes, reason)) return exit_status::unreadable_input;
     if (form == file_form::text) {
