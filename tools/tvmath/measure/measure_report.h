@@ -1,0 +1,35 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "measure/measure_result.h"
+
+inline namespace tvmath {
+
+/// What a report is about.
+struct measure_report {
+    std::string image;  ///< as it is shown
+    unsigned int width = 0, height = 0;
+    measure_job const* job = nullptr;
+    std::vector<measured_tool> tools;
+
+    bool passed() const;
+};
+
+/// Tables for people: of each feature what was measured, what it should be, the deviation, its tolerance, and
+/// whether it passes; at the end how many did.
+void write_text(std::ostream& out, measure_report const& report);
+
+/// A document of schema tvmath.measure/1 for programs.
+void write_json(std::ostream& out, measure_report const& report);
+
+/// A row for each edge point: tool, index from 1, place in the image, place in the results, residual,
+/// contrast, kept (1 or 0).
+std::string edge_table(measure_report const& report);
+
+/// A line for each feature: its name and the text form of its record, as `tvmath show` reads it.
+std::string record_table(measure_report const& report);
+
+}  // namespace tvmath
