@@ -1,0 +1,53 @@
+// Renders the pictures of the demo and writes the jobs that measure them, all into one folder:
+//     render_plate FOLDER
+// grid.png, grid.json, grid_nominal.csv    a chart of dots, its job and where the dots truly lie: calibrates
+// the lens plate.png, plate.json                    a machined plate before a bright screen photo.png,
+// photo.json                    the same plate in a photograph plate_truth.json                         what
+// the tools of both jobs measure, as it was made
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "jobs.h"
+#include "picture_file.h"
+#include "plate_drawing.h"
+#include "scenes.h"
+
+namespace {
+
+bool write(std::filesystem::path const& name, std::string const& bytes) {
+    std::ofstream file(name, std::ios::binary);
+    file << bytes;
+    if (file.flush()) return true;
+    std::fprintf(stderr, "render_plate: %s cannot be written\n", name.c_str());
+    return false;
+}
+
+bool write_all(std::filesystem::path const& folder) {
+    std::error_code failed;  // told by the first file
+    std::filesystem::create_directories(folder, failed);
+    plate::plate_picture const backlit{true, 8, 3.5, 0.003, 0.005, 0.003},
+        photograph{false, 8, 3.5, 0.005, 0.015, 0.01};
+    return write(folder / "grid.png", plate::picture_file(plate::chart_on_backlight(), 16)) &&
+           write(folder / "grid.json", plate::chart_job()) &&
+           write(folder / "grid_nominal.csv", plate::chart_nominal()) &&
+           write(folder / "plate.png", plate::picture_file(plate::plate_on_backlight(), 16)) &&
+           write(folder / "plate.json", plate::plate_job(backlit)) &&
+           write(folder / "photo.png", plate::picture_file(plate::plate_in_a_photograph(), 8)) &&
+           write(folder / "photo.json", plate::plate_job(photograph)) &&
+           write(folder / "plate_truth.json", plate::plate_truth());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        if (argc == 2) return write_all(argv[1]) ? EXIT_SUCCESS : EXIT_FAILURE;
+        std::fputs("usage: render_plate FOLDER\n", stderr);
+    } catch (std::exception const& e) {
+        std::fprintf(stderr, "render_plate: %s\n", e.what());
+    }
+    return EXIT_FAILURE;
+}
