@@ -1,9 +1,10 @@
-// Renders the pictures of the demo and writes the jobs that measure them, all into one folder:
+// Renders the pictures of the demo and writes the jobs that measure them into one folder:
 //     render_plate FOLDER
-// grid.png, grid.json, grid_nominal.csv    a chart of dots, its job and where the dots truly lie: calibrates
-// the lens plate.png, plate.json                    a machined plate before a bright screen photo.png,
-// photo.json                    the same plate in a photograph plate_truth.json                         what
-// the tools of both jobs measure, as it was made
+// The chart that calibrates the lens: grid.png, grid.json, and grid_nominal.csv, where its dots truly lie.
+// A machined plate before a bright screen: plate.png, plate.json. The same in a photograph: photo.png,
+// photo.json. What the tools of both jobs measure, as it was made: plate_truth.json.
+
+#include <files/png_file.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,13 +12,16 @@
 #include <fstream>
 
 #include "jobs.h"
-#include "picture_file.h"
 #include "plate_drawing.h"
 #include "scenes.h"
 
 namespace {
 
 bool write(std::filesystem::path const& name, std::string const& bytes) {
+    if (bytes.empty()) {
+        std::fprintf(stderr, "render_plate: no PNG for %s\n", name.c_str());
+        return false;
+    }
     std::ofstream file(name, std::ios::binary);
     file << bytes;
     if (file.flush()) return true;
@@ -30,12 +34,12 @@ bool write_all(std::filesystem::path const& folder) {
     std::filesystem::create_directories(folder, failed);
     plate::plate_picture const backlit{true, 8, 3.5, 0.003, 0.005, 0.003},
         photograph{false, 8, 3.5, 0.005, 0.015, 0.01};
-    return write(folder / "grid.png", plate::picture_file(plate::chart_on_backlight(), 16)) &&
+    return write(folder / "grid.png", png_bytes(plate::chart_on_backlight(), 16)) &&
            write(folder / "grid.json", plate::chart_job()) &&
            write(folder / "grid_nominal.csv", plate::chart_nominal()) &&
-           write(folder / "plate.png", plate::picture_file(plate::plate_on_backlight(), 16)) &&
+           write(folder / "plate.png", png_bytes(plate::plate_on_backlight(), 16)) &&
            write(folder / "plate.json", plate::plate_job(backlit)) &&
-           write(folder / "photo.png", plate::picture_file(plate::plate_in_a_photograph(), 8)) &&
+           write(folder / "photo.png", png_bytes(plate::plate_in_a_photograph(), 8)) &&
            write(folder / "photo.json", plate::plate_job(photograph)) &&
            write(folder / "plate_truth.json", plate::plate_truth());
 }
