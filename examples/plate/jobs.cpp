@@ -92,11 +92,19 @@ std::array<double, 5> in_image(feature const& f) {
     return {};
 }
 
-// Where the edge crosses the line of search of a point tool, which stands on a whole pixel and so a little
-// beside the drawn place: in mm, by bisection.
+// What an operator types who points at it: places to 2 pixels, sizes to whole ones, angles to degrees.
+std::array<double, 5> typed(feature const& f) {
+    std::array<double, 5> m = in_image(f);
+    bool const is_line = f.kind == outline::line;
+    std::size_t const first = is_line || f.kind == outline::point ? 0 : f.kind == outline::circle ? 1 : 3;
+    for (std::size_t i = first; i < first + (is_line ? 4 : 2); ++i) m[i] = 2 * std::round(m[i] / 2);
+    return m;
+}
+
+// Where the edge crosses the line of search of a point tool, which stands a little beside the drawn place: in
+// mm, by bisection.
 place found_by(std::array<double, 5> const& tool) {
-    double const x = std::round(tool[0]), y = std::round(tool[1]), c = std::cos(tool[2]),
-                 s = std::sin(tool[2]);
+    double const x = tool[0], y = tool[1], c = std::cos(tool[2]), s = std::sin(tool[2]);
     auto const at = [&](double t) { return to_mm(true_place({x + t * c, y + t * s})); };
     double inside = -20, outside = 20;
     for (int round = 0; round < 60; ++round) {
@@ -110,7 +118,7 @@ std::string nominal_words(feature const& f, bool as_made) {
     std::array<double, 5> m = f.made;
     if (!as_made) m[0] -= f.oversize;
     if (f.kind == outline::point) {
-        place const found = found_by(in_image(f));
+        place const found = found_by(typed(f));
         return "point " + number(found.x, "%.6g") + ' ' + number(found.y, "%.6g");
     }
     return words(f.kind, m, "%.10g");
@@ -121,29 +129,34 @@ bool is_opening(outline kind) {
 }
 
 std::string tolerances(outline kind, plate_picture const& picture) {
-    std::string const size = number(picture.size), form = "\"form\": " + number(picture.form);
-    auto const each = [&](char const* name) { return ", " + quoted(name) + ": " + size; };
+    auto const one = [](char const* name, double width) { return quoted(name) + ": " + number(width); };
+    auto const size = [&](char const* name) { return ", " + one(name, picture.size); };
+    std::string const form = one("form", picture.form),
+                      direction = ", " + one("angle_deg", picture.direction);
     switch (kind) {
         case outline::line:
-            return form;
+            return form + ", " + one("profile", picture.profile) + direction;
         case outline::circle:
         case outline::arc:
-            return form + each("radius") + each("center");
+            return form + size("radius") + size("center");
         case outline::rectangle:
-            return form + each("width") + each("height") + each("center");
+            return form + size("width") + size("height") + size("center") + direction;
         case outline::slot:
-            return form + each("width") + each("length") + each("center");
+            return form + size("width") + size("length") + size("center") + direction;
         case outline::point:
-            return "\"center\": " + number(picture.spot);
+            return one("center", picture.size);
     }
-    return form;
+    return {};
 }
 
-std::string joined(std::string const& opening, std::vector<std::string> const& items,
-                   std::string const& closing) {
-    std::string text = opening;
+std::string head(char const* schema, char const* unit) {
+    return "  \"schema\": " + quoted(schema) + ",\n  \"unit\": " + quoted(unit) + ",\n";
+}
+
+std::string list(char const* name, std::vector<std::string> const& items) {
+    std::string text = "  " + quoted(name) + ": [";
     for (std::size_t i = 0; i < items.size(); ++i) text += (i == 0 ? "\n    " : ",\n    ") + items[i];
-    return text + "\n" + closing;
+    return text + "\n  ]\n";
 }
 
 template <class visitor>
@@ -166,10 +179,9 @@ std::string chart_job() {
         tools.push_back("{\"name\": " + quoted(name) + ", \"feature\": " +
                         quoted(words(outline::circle, {dot_radius, seen.x, seen.y}, "%.0f")) + '}');
     });
-    return joined(
-        "{\n  \"schema\": \"tvmath.job/1\",\n  \"unit\": \"pixel\",\n  \"pixel\": 1,\n  \"search\": 6,\n"
-        "  \"spacing\": 4,\n  \"edge\": \"rising\",\n  \"tools\": [",
-        tools, "  ]\n}\n");
+    return "{\n" + head("tvmath.job/1", "px") +
+           "  \"pixel\": 1,\n  \"search\": 6,\n  \"spacing\": 4,\n  \"edge\": \"rising\",\n" +
+           list("tools", tools) + "}\n";
 }
 
 std::string chart_nominal() {
@@ -185,16 +197,15 @@ std::string plate_job(plate_picture const& picture) {
         // gets bright.
         bool const rising = is_opening(f.kind) != picture.openings_are_bright;
         tools.push_back("{\"name\": " + quoted(f.name) +
-                        ", \"feature\": " + quoted(words(f.kind, in_image(f), "%.0f")) +
+                        ", \"feature\": " + quoted(words(f.kind, typed(f), "%.0f")) +
                         ", \"edge\": " + (rising ? "\"rising\"" : "\"falling\"") +
                         ",\n     \"nominal\": " + quoted(nominal_words(f, false)) +
                         ",\n     \"tolerance\": {" + tolerances(f.kind, picture) + "}}");
     }
-    return joined(
-        "{\n  \"schema\": \"tvmath.job/1\",\n  \"unit\": \"mm\",\n  \"pixel\": [" + number(pixel) + ", " +
-            number(-pixel) + "],\n  \"screen\": \"lens.txt\",\n  \"search\": " + number(picture.search) +
-            ",\n  \"spacing\": 6,\n  \"outliers\": " + number(picture.outliers) + ",\n  \"tools\": [",
-        tools, "  ]\n}\n");
+    std::string const frame = "[" + number(pixel) + ", " + number(-pixel) + ']';
+    return "{\n" + head("tvmath.job/1", "mm") + "  \"pixel\": " + frame +
+           ",\n  \"screen\": \"lens.txt\",\n  \"search\": 8,\n  \"spacing\": 6,\n" + list("tools", tools) +
+           "}\n";
 }
 
 std::string plate_truth() {
@@ -203,8 +214,7 @@ std::string plate_truth() {
         truths.push_back("{\"name\": " + quoted(f.name) + ", \"feature\": " + quoted(nominal_words(f, true)) +
                          ", \"form\": " + number(2 * f.lobe) + '}');
     }
-    return joined("{\n  \"schema\": \"tvmath.truth/1\",\n  \"unit\": \"mm\",\n  \"features\": [", truths,
-                  "  ]\n}\n");
+    return "{\n" + head("tvmath.truth/1", "mm") + list("features", truths) + "}\n";
 }
 
 }  // namespace plate

@@ -13,9 +13,8 @@ std::string chart_nominal();
 /// What a picture of the plate demands of its job.
 struct plate_picture {
     bool openings_are_bright;
-    double search;            // pixels
-    double outliers;          // in standard deviations
-    double size, form, spot;  // tolerances in mm: of lengths, of the form, of the profile of a single point
+    // Tolerances in mm and degrees: sizes and places, forms, profiles of lines, directions.
+    double size, form, profile, direction;
 };
 /// The job of the plate: results in mm from the middle, y upward, corrected by "lens.txt".
 std::string plate_job(plate_picture const& picture);

@@ -30,10 +30,10 @@ bool write(std::filesystem::path const& name, std::string const& bytes) {
 }
 
 bool write_all(std::filesystem::path const& folder) {
-    std::error_code failed;  // told by the first file
+    std::error_code failed;  // said by the first file
     std::filesystem::create_directories(folder, failed);
-    plate::plate_picture const backlit{true, 8, 3.5, 0.003, 0.005, 0.003},
-        photograph{false, 8, 3.5, 0.005, 0.015, 0.01};
+    plate::plate_picture const backlit{true, 0.002, 0.006, 0.006, 0.1},
+        photograph{false, 0.004, 0.015, 0.02, 0.2};
     return write(folder / "grid.png", png_bytes(plate::chart_on_backlight(), 16)) &&
            write(folder / "grid.json", plate::chart_job()) &&
            write(folder / "grid_nominal.csv", plate::chart_nominal()) &&
