@@ -8,7 +8,7 @@ namespace {
 
 char const* const notes =
     "Features, their places and sizes in pixels from the upper left corner of the image, y downward, angles\n"
-    "from +x to +y:\n"
+    "from +x to +y, in radians or as 30deg:\n"
     "  line X1 Y1 X2 Y2\n"
     "  circle RADIUS X Y\n"
     "  arc RADIUS START INCLUDED X Y\n"
