@@ -124,7 +124,7 @@ bore  circle                                                        FAIL
   standard deviation   0.00126
   9 edge points at 10 places, 1 dropped as an outlier
 
-känté, 1  line                                                       PASS
+känté, 1  line                                                      PASS
                       measured   nominal  deviation          tolerance
   center x            50.00000  50.00000    0.00000
   center y             0.50000   0.00000   +0.50000
@@ -166,10 +166,9 @@ TEST(MeasureReport, StaysNarrow) {
     std::string line, last;
     std::getline(lines, line);
     EXPECT_EQ(line, "plate.png  1280 x 1024 pixels, at z 0.5");
-    for (std::size_t n = 0; std::getline(lines, line); last = line) ASSERT_LE(line.size(), 100u) << line;
+    for (; std::getline(lines, line); last = line) EXPECT_LE(line.size(), 100u) << line;
     EXPECT_EQ(last,
-              "600 features: 150 pass, 150 fail (hole of the outer row 1 and 149 more), 300 not measured "
-              "(slot 0 and 299 more)");
+              "600 features: 150 pass, 150 fail (hole of the outer row 1 and 149 more), 300 not measured");
 }
 
 TEST(MeasureReport, KeepsThousandthsOfAPixel) {

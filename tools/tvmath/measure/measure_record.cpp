@@ -1,8 +1,5 @@
 #include "measure/measure_record.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "files/point_file.h"
 #include "measure/measure_report.h"
 #include "record/record_text.h"

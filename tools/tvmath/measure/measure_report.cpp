@@ -53,44 +53,46 @@ void write_measured(std::ostream& out, measure_layout const& layout, measured_to
     out << '\n';
 }
 
-// " (bore, slot 3 and 7 more)", as many names as the line has room for, at least one.
+// " (bore, slot 3 and 7 more)", as many names as there is room for.
 std::string names_of(std::vector<measured_tool const*> const& tools, std::size_t room) {
-    constexpr std::size_t others = 18;  // the width of "( and 99999 more)" with its blank
-    std::string text;
+    std::string names, best;
     for (std::size_t i = 0; i < tools.size(); ++i) {
-        std::string const longer = text + (i > 0 ? ", " : "") + one_line(tools[i]->tool->name);
-        if (i > 0 && width_of(longer) + others > room)
-            return " (" + text + " and " + std::to_string(tools.size() - i) + " more)";
-        text = longer;
+        names += (i > 0 ? ", " : " (") + one_line(tools[i]->tool->name);
+        std::size_t const left = tools.size() - 1 - i;
+        std::string const all = names + (left > 0 ? " and " + std::to_string(left) + " more)" : ")");
+        if (width_of(all) > room) break;
+        best = all;
     }
-    return " (" + text + ')';
+    return best;
 }
 
-// "14 features: 12 pass, 1 fails (bore), 1 not measured (slot 3)". Without names for no room.
-std::string summary_of(measure_tally const& tally, std::size_t features, std::size_t room) {
+// "14 features: 12 pass, 1 fails (bore), 1 not measured (slot 3)", the names as given.
+std::string summary_of(measure_tally const& tally, std::string const& failing,
+                       std::string const& not_measured) {
+    std::size_t const features =
+        tally.passing.size() + tally.failing.size() + tally.without_limits.size() + tally.not_measured.size();
     std::string text = counted(features, "feature");
     char const* comma = ": ";
-    auto const add = [&](std::vector<measured_tool const*> const& tools, std::string const& one,
-                         std::string const& more, bool with_names) {
-        if (tools.empty()) return;
-        text += comma + std::to_string(tools.size()) + ' ' + (tools.size() == 1 ? one : more);
-        if (with_names && room > 0) text += names_of(tools, room);
+    auto const add = [&](std::size_t n, std::string const& words) {
+        if (n == 0) return;
+        text += comma + std::to_string(n) + ' ' + words;
         comma = ", ";
     };
     bool const has_limits = !tally.passing.empty() || !tally.failing.empty();
-    std::string const without_limits = has_limits ? "without limits" : "measured";
-    add(tally.passing, "passes", "pass", false);
-    add(tally.failing, "fails", "fail", true);
-    add(tally.without_limits, without_limits, without_limits, false);
-    add(tally.not_measured, "not measured", "not measured", true);
+    add(tally.passing.size(), tally.passing.size() == 1 ? "passes" : "pass");
+    add(tally.failing.size(), (tally.failing.size() == 1 ? "fails" : "fail") + failing);
+    add(tally.without_limits.size(), has_limits ? "without limits" : "measured");
+    add(tally.not_measured.size(), "not measured" + not_measured);
     return text;
 }
 
 std::string summary_of(measure_report const& report) {
     measure_tally const tally(report);
-    std::size_t const features = report.tools.size(), used = summary_of(tally, features, 0).size();
-    bool const has_two_lists = !tally.failing.empty() && !tally.not_measured.empty();
-    return summary_of(tally, features, (widest - used) / (has_two_lists ? 2 : 1));
+    std::size_t const room = widest - summary_of(tally, "", "").size();
+    // Where one long name takes it all the tables tell the others.
+    std::string failing = names_of(tally.failing, tally.not_measured.empty() ? room : room / 2);
+    if (failing.empty()) failing = names_of(tally.failing, room);
+    return summary_of(tally, failing, names_of(tally.not_measured, room - width_of(failing)));
 }
 
 }  // namespace
