@@ -22,9 +22,8 @@ public:
 
 private:
     measure_job const& job_;
-    double middle_x_, middle_y_;
+    point middle_;  // a direction, so that subtracting it leaves locations
     double pixel_length_;
-    transform to_screen_;
 };
 
 }  // namespace tvmath

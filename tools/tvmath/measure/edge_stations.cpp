@@ -1,0 +1,155 @@
+#include "measure/edge_stations.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "tvmath/resample.h"
+
+inline namespace tvmath {
+namespace {
+
+constexpr double widest_window = 16, narrowest_window = 5;
+
+point unit(double angle) {
+    return point(false, std::cos(angle), std::sin(angle));
+}
+
+// A quarter turn from +x towards +y.
+point turned(point const& direction) {
+    return point(false, -direction.y(), direction.x());
+}
+
+class station_list {
+public:
+    explicit station_list(measure_tool const& tool) : settings_(tool.edges) {}
+
+    std::vector<edge_window> windows;
+
+    void list(Segment_Description const& r) {
+        add_side(r.geometry.basis(0), r.geometry.basis(1), turned(r.geometry.direction()), 0, 5);
+    }
+    void list(Circle_Description const& r) {
+        add_round(r.geometry.basis(0), r.geometry.radius(), 0, 2 * pi, 0, 12);
+    }
+    void list(Arc_Description const& r) {
+        double const start = r.circle.basis(1).angle2d() - r.included_angle / 2;
+        add_round(r.circle.basis(0), r.circle.radius(), start, r.included_angle, 0, 6);
+    }
+    void list(Rectangle_Description const& r) {
+        point const c = r.geometry.basis(0), u = r.geometry.basis(1), v = r.geometry.basis(2);
+        double const margin = settings_.search + narrowest_window;
+        add_side(c + u, v, direction_of(u), margin, 3);
+        add_side(c + v, -u, direction_of(v), margin, 3);
+        add_side(c - u, -v, direction_of(-u), margin, 3);
+        add_side(c - v, u, direction_of(-v), margin, 3);
+    }
+    void list(Slot_Description const& r) {
+        double const radius = r.geometry.semiminor(), straight = r.geometry.semimajor() - radius;
+        point const c = r.geometry.basis(0), u = direction_of(r.geometry.basis(1)), v = turned(u);
+        double const angle = u.angle2d();
+        add_round(c + u * straight, radius, angle - pi / 2, pi, 0, 5);
+        if (straight > 0) add_side(c + v * radius, u * -straight, v, settings_.search / 2, 3);
+        add_round(c - u * straight, radius, angle + pi / 2, pi, 0, 5);
+        if (straight > 0) add_side(c - v * radius, u * straight, -v, settings_.search / 2, 3);
+    }
+
+private:
+    static point direction_of(point p) {
+        p.to_direction();
+        return p.normalize();
+    }
+
+    // As many windows as the spacing asks for on a piece of that length.
+    int count_on(double length, int least) const {
+        return static_cast<int>(std::max<double>(least, std::round(length / settings_.spacing)));
+    }
+    double width_on(double length, int count) const {
+        return std::clamp(std::floor(length / count), narrowest_window, widest_window);
+    }
+
+    // Along a straight piece from `middle` - `half` to `middle` + `half`, less a margin of a quarter at most.
+    void add_side(point const& middle, point const& half, point const& normal, double margin, int least) {
+        double const whole = 2 * half.length2d();
+        double const length = whole - 2 * std::min(margin, whole / 4);
+        int const count = count_on(length, least);
+        for (int i = 0; i < count; ++i) {
+            double const share = (2 * i + 1.0) / count - 1;
+            windows.push_back({middle + half * (share * length / whole), normal, width_on(length, count),
+                               settings_.search});
+        }
+    }
+
+    void add_round(point const& center, double radius, double start, double sweep, double margin, int least) {
+        double const length = std::fabs(sweep) * radius - 2 * margin;
+        int const count = count_on(length, least);
+        // A window much wider than half the radius sees no edge along its rows.
+        double const width = std::max(narrowest_window, std::min(width_on(length, count), 0.7 * radius));
+        for (int i = 0; i < count; ++i) {
+            point const normal = unit(start + sweep * (i + 0.5) / count);
+            windows.push_back({center + normal * radius, normal, width, settings_.search});
+        }
+    }
+
+    edge_settings const& settings_;
+};
+
+// Direction across the edge that is about a place; the trivial point when there is none.
+point normal_in(image const& scene, point const& place, double reach) {
+    auto const side = static_cast<unsigned int>(2 * std::ceil(std::max(reach, 8.0)));
+    image const patch =
+        rotate(scene, place.x() - side / 2.0, place.y() - side / 2.0, 0, side, side, side, side);
+    double const angle = patch.find_normal_angle(3, 2);
+    return std::isfinite(angle) ? unit(angle) : point();
+}
+
+}  // namespace
+
+std::vector<edge_window> edge_stations(measure_tool const& tool, image const& scene) {
+    Geometry_Description const& r = *tool.place;
+    station_list stations(tool);
+    if (auto const* p = dynamic_cast<Point_Description const*>(&r)) {
+        point const normal =
+            tool.angle ? unit(*tool.angle) : normal_in(scene, p->position, tool.edges.search);
+        if (normal.is_trivial()) return {};
+        return {{p->position, normal, std::min(tool.edges.spacing, widest_window), tool.edges.search}};
+    }
+    if (auto const* s = dynamic_cast<Segment_Description const*>(&r)) stations.list(*s);
+    if (auto const* c = dynamic_cast<Circle_Description const*>(&r)) stations.list(*c);
+    if (auto const* a = dynamic_cast<Arc_Description const*>(&r)) stations.list(*a);
+    if (auto const* q = dynamic_cast<Rectangle_Description const*>(&r)) stations.list(*q);
+    if (auto const* o = dynamic_cast<Slot_Description const*>(&r)) stations.list(*o);
+    return stations.windows;
+}
+
+point outward_normal(Geometry_Description const& feature, point const& place, point const& normal) {
+    auto const along = [&normal](point axis) {
+        axis.to_direction();
+        axis.normalize();
+        return dot2d(axis, normal) < 0 ? -axis : axis;
+    };
+    auto const away_from = [&](point const& center) {
+        point const way = place - center;
+        return way.length2d() > 0 ? way / way.length2d() : normal;
+    };
+    if (auto const* s = dynamic_cast<Segment_Description const*>(&feature))
+        return along(turned(s->geometry.basis(1)));
+    if (auto const* c = dynamic_cast<Circle_Description const*>(&feature))
+        return away_from(c->geometry.basis(0));
+    if (auto const* a = dynamic_cast<Arc_Description const*>(&feature)) return away_from(a->circle.basis(0));
+    if (auto const* r = dynamic_cast<Rectangle_Description const*>(&feature)) {
+        point const u = along(r->geometry.basis(1)), v = along(r->geometry.basis(2));
+        return dot2d(u, normal) > dot2d(v, normal) ? u : v;
+    }
+    if (auto const* o = dynamic_cast<Slot_Description const*>(&feature)) {
+        point u = o->geometry.basis(1);
+        u.to_direction();
+        u.normalize();
+        double const straight = o->geometry.semimajor() - o->geometry.semiminor();
+        double const x = dot2d(place - o->geometry.basis(0), u);
+        if (std::fabs(x) <= straight) return along(turned(u));
+        return away_from(o->geometry.basis(0) + u * std::copysign(straight, x));
+    }
+    return normal;
+}
+
+}  // namespace tvmath

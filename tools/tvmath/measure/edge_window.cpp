@@ -1,0 +1,92 @@
+#include "measure/edge_window.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "tvmath/edge.h"
+#include "tvmath/polynomial.h"
+#include "tvmath/resample.h"
+
+inline namespace tvmath {
+namespace {
+
+constexpr int rows_of_contrast = 4;  // on either side of an edge
+constexpr int half_an_edge = 2;      // rows that are left out about it
+
+// Mean of each row.
+std::vector<double> row_means(image const& m) {
+    std::vector<double> means;
+    means.reserve(m.capacity());
+    for (vector const& row : m) {
+        double sum = 0;
+        for (double const grey : row) sum += grey;
+        means.push_back(sum / row.capacity());
+    }
+    return means;
+}
+
+// Mean of the rows from `first` on, as far as there are any.
+double mean_of(std::vector<double> const& means, int first, int count) {
+    int const rows = static_cast<int>(means.size());
+    int const begin = std::clamp(first, 0, rows - 1), end = std::clamp(first + count, begin + 1, rows);
+    double sum = 0;
+    for (int y = begin; y < end; ++y) sum += means[static_cast<std::size_t>(y)];
+    return sum / (end - begin);
+}
+
+// Change of the grey across row `y`.
+double contrast_at(std::vector<double> const& greys, double y) {
+    int const row = static_cast<int>(std::floor(y));
+    return mean_of(greys, row + half_an_edge, rows_of_contrast) -
+           mean_of(greys, row - half_an_edge - rows_of_contrast + 1, rows_of_contrast);
+}
+
+bool has_sense(double change, edge_sense sense) {
+    return sense == edge_sense::any || (sense == edge_sense::rising ? change > 0 : change < 0);
+}
+
+// The row of the strongest edge; 0, which has no neighbour above, for none.
+std::size_t strongest_row(std::vector<double> const& greys, std::vector<double> const& strengths,
+                          edge_sense sense) {
+    std::size_t best = 0;
+    for (std::size_t y = 1; y + 1 < strengths.size(); ++y) {
+        if (!has_sense(greys[y + 1] - greys[y - 1], sense)) continue;
+        if (best == 0 ? strengths[y] > 0 : strengths[y] > strengths[best]) best = y;
+    }
+    return best;
+}
+
+}  // namespace
+
+bool find_edge(image const& scene, edge_window const& window, edge_settings const& settings,
+               found_edge& found) {
+    auto const rows = static_cast<unsigned int>(std::ceil(2 * window.reach));
+    auto const cols = static_cast<unsigned int>(std::ceil(window.width));
+    double const slope = window.climb / cols;
+    double const angle = std::atan2(-window.normal.x(), window.normal.y()) + std::atan(slope);
+    point const along(false, std::cos(angle), std::sin(angle)), across(false, -along.y(), along.x());
+    point const corner = window.place - along * (cols / 2.0) - across * (rows / 2.0);
+    image const cut = rotate(scene, corner.x(), corner.y(), angle, cols, cols, rows, rows);
+    if (cut.is_trivial()) return false;
+
+    image strength = cut;
+    strength.horizontal_edge_gradient(false);
+    std::vector<double> const greys = row_means(cut);
+    std::size_t const row = strongest_row(greys, row_means(strength), settings.sense);
+    if (row == 0) return false;
+
+    // In the window the edge falls by what the window was turned.
+    double const offset = (static_cast<double>(row) + 0.5 - rows / 2.0) / std::hypot(1.0, slope);
+    vector const curve = lsf_edge2(strength, pi / 2 - std::atan(slope), offset);
+    if (curve.is_trivial()) return false;
+    double const y = poly(cols / 2.0, curve);
+    bool const is_near = std::fabs(y - static_cast<double>(row) - 0.5) <= 3;  // false for NaN too
+    if (!is_near || y < 1 || y > rows - 1) return false;
+    double const contrast = contrast_at(greys, y);
+    if (!has_sense(contrast, settings.sense) || std::fabs(contrast) < settings.contrast) return false;
+    found = {window.place + across * (y - rows / 2.0), contrast};
+    return true;
+}
+
+}  // namespace tvmath

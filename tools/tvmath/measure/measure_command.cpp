@@ -1,0 +1,106 @@
+#include "measure/measure_command.h"
+
+#include <filesystem>
+#include <ostream>
+
+#include "files/file_output.h"
+#include "files/image_file.h"
+#include "files/point_file.h"
+#include "measure/measure_overlay.h"
+#include "measure/measure_progress.h"
+#include "measure/measure_report.h"
+#include "plot/canvas.h"
+
+inline namespace tvmath {
+namespace {
+
+std::string suffix_of(std::string const& name) {
+    return std::filesystem::path(name).extension().string();
+}
+
+// What can be wrong with a request before any file is read.
+bool check(measure_request const& request, std::string& reason) {
+    if (!request.plot.empty() && !is_picture_suffix(suffix_of(request.plot))) {
+        reason = is_picture_suffix(".svg") ? "--plot: the suffix must be .svg, .png or .pdf"
+                                           : "--plot: this build makes no pictures";
+    } else if (!request.overlay.empty() && suffix_of(request.overlay) != ".png") {
+        reason = "--overlay: the suffix must be .png";
+    }
+    return reason.empty();
+}
+
+// A screen correction belongs to the size of its screen.
+bool is_for_screen(screen_corrector const& screen, image const& scene) {
+    auto const agrees = [](double scale, unsigned int size) {
+        return scale * size > 1.999 && scale * size < 2.001;
+    };
+    return screen.is_trivial() ||
+           (agrees(screen.x_scale, matrix::cols(scene)) && agrees(screen.y_scale, matrix::rows(scene)));
+}
+
+exit_status status_of(measured_tool const& tool) {
+    if (!tool.fit) return exit_status::no_answer;
+    return tool.passed() ? exit_status::done : exit_status::out_of_tolerance;
+}
+
+exit_status write_picture(std::string const& name, std::string const& bytes, std::ostream& err) {
+    if (!bytes.empty()) return write_file(name, bytes, err);
+    err << shown_name(name) << ": the picture cannot be made\n";
+    return exit_status::internal;
+}
+
+exit_status write_files(measure_request const& request, image const& scene, measure_frame const& frame,
+                        measure_report const& report, std::ostream& err) {
+    exit_status status = exit_status::done;
+    if (!request.points.empty()) status = worse(status, write_file(request.points, edge_table(report), err));
+    if (!request.records.empty())
+        status = worse(status, write_file(request.records, record_table(report), err));
+    if (!request.overlay.empty())
+        status = worse(status, write_picture(request.overlay, overlay_png(scene, frame, report), err));
+    if (!request.plot.empty()) {
+        std::string const picture = measure_plot(scene, frame, report, suffix_of(request.plot));
+        status = worse(status, write_picture(request.plot, picture, err));
+    }
+    return status;
+}
+
+exit_status complain(exit_status status, std::string const& reason, std::ostream& err) {
+    err << reason << '\n';
+    return status;
+}
+
+}  // namespace
+
+exit_status run_measure(measure_request const& request, std::ostream& out, std::ostream& err) {
+    std::string reason;
+    if (!check(request, reason)) return complain(exit_status::wrong_usage, "tvmath: " + reason, err);
+    measure_job job;
+    exit_status status = read_job(request, job, reason);
+    if (status != exit_status::done) return complain(status, reason, err);
+    image scene;
+    if (!read_image_file(request.image, scene, reason))
+        return complain(exit_status::unreadable_input, shown_name(request.image) + ": " + reason, err);
+    if (!is_for_screen(job.screen, scene)) {
+        return complain(exit_status::wrong_usage,
+                        "tvmath: the screen correction is that of another size of image", err);
+    }
+
+    measure_report report{shown_name(request.image), matrix::cols(scene), matrix::rows(scene), &job, {}};
+    measure_frame const frame(job, report.width, report.height);
+    {
+        progress_line progress(err, job.tools.size());
+        for (measure_tool const& tool : job.tools) {
+            progress.show(report.tools.size(), tool.name);
+            report.tools.push_back(measure(scene, frame, tool));
+            status = worse(status, status_of(report.tools.back()));
+        }
+    }
+    if (request.json) {
+        write_json(out, report);
+    } else {
+        write_text(out, report);
+    }
+    return worse(status, write_files(request, scene, frame, report, err));
+}
+
+}  // namespace tvmath

@@ -1,0 +1,145 @@
+#include <algorithm>
+#include <cmath>
+
+#include "measure/edge_stations.h"
+#include "measure/edge_window.h"
+#include "measure/feature_extent.h"
+#include "measure/measure_checks.h"
+#include "measure/measure_result.h"
+#include "measure/robust_fit.h"
+
+inline namespace tvmath {
+namespace {
+
+constexpr double fine_reach = 8;       // a blurred edge reaches that far
+constexpr double fine_climb = 2;       // see `edge_window`
+constexpr double least_outlier = 0.1;  // pixels; below it no point is one
+
+std::string count_text(std::size_t found, std::size_t stations) {
+    return std::to_string(found) + " of " + std::to_string(stations) + (stations == 1 ? " place" : " places");
+}
+
+std::vector<point> places_of(std::vector<found_edge> const& edges) {
+    std::vector<point> places;
+    for (found_edge const& e : edges) places.push_back(e.place);
+    return places;
+}
+
+// The work on one tool.
+class tool_run {
+public:
+    tool_run(image const& scene, measure_frame const& frame, measure_tool const& tool)
+        : scene_(scene), frame_(frame), tool_(tool) {
+        result_.tool = &tool;
+    }
+
+    measured_tool run() {
+        if (find_coarsely() && find_finely()) fit();
+        return std::move(result_);
+    }
+
+private:
+    bool fail(std::string const& reason) {
+        result_.reason = reason;
+        return false;
+    }
+
+    bool is_enough(std::size_t found) {
+        if (found >= tool_.kind->least_points) return true;
+        return fail("an edge was found at " + count_text(found, result_.stations) + "; " +
+                    tool_.kind->named() + " needs " + std::to_string(tool_.kind->least_points));
+    }
+
+    // Edges across the nominal outline.
+    bool find_coarsely() {
+        std::vector<edge_window> const windows = edge_stations(tool_, scene_);
+        result_.stations = windows.size();
+        if (windows.empty()) return fail("no edge is seen about the point, so give its direction");
+        for (edge_window const& w : windows) {
+            found_edge e;
+            if (!find_edge(scene_, w, tool_.edges, e)) continue;
+            edges_.push_back(e);
+            windows_.push_back(w);
+        }
+        return is_enough(edges_.size());
+    }
+
+    // Each edge once more, in a window that lies across it and about it.
+    bool find_finely() {
+        fitted_feature rough;
+        std::vector<bool> kept;
+        std::vector<double> residuals;
+        std::string reason;
+        if (!fit_without_outliers(*tool_.kind, places_of(edges_), tool_.edges.outliers, least_outlier, rough,
+                                  kept, residuals, reason))
+            return fail(reason);
+        std::vector<found_edge> fine;
+        for (std::size_t i = 0; i < edges_.size(); ++i) {
+            edge_window w = windows_[i];
+            w.normal = outward_normal(*rough.record, edges_[i].place, w.normal);
+            w.place = edges_[i].place;
+            w.reach = std::min(w.reach, fine_reach);
+            w.climb = fine_climb * std::min(1.0, w.width / 16);
+            found_edge e;
+            if (find_edge(scene_, w, tool_.edges, e)) fine.push_back(e);
+        }
+        edges_ = std::move(fine);
+        return is_enough(edges_.size());
+    }
+
+    void fit() {
+        std::vector<point> places;
+        for (found_edge const& e : edges_) places.push_back(frame_.to_result(e.place));
+        fitted_feature fitted;
+        std::vector<bool> kept;
+        std::vector<double> residuals;
+        if (!fit_without_outliers(*tool_.kind, places, tool_.edges.outliers,
+                                  least_outlier * frame_.pixel_length(), fitted, kept, residuals,
+                                  result_.reason))
+            return;
+        std::vector<point> chosen;
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            if (kept[i]) chosen.push_back(places[i]);
+        }
+        fit_conditions known;
+        if (tool_.nominal) {
+            known.given = option_nominal;
+            known.nominal = {tool_.nominal};
+            known.words = {"nominal " + tool_.nominal_words};
+        }
+        fit_result final;
+        bool is_usage = false;
+        if (!fit_feature(*tool_.kind, chosen, {chosen.size()}, known, final, result_.reason, is_usage))
+            return;
+        set_extent(frame_, tool_, final);
+        for (std::size_t i = 0; i < places.size(); ++i)
+            result_.edges.push_back({edges_[i].place, places[i], residuals[i], edges_[i].contrast, kept[i]});
+        result_.checks = check_limits(tool_, final);
+        result_.fit = std::move(final);
+    }
+
+    image const& scene_;
+    measure_frame const& frame_;
+    measure_tool const& tool_;
+    measured_tool result_;
+    std::vector<edge_window> windows_;
+    std::vector<found_edge> edges_;
+};
+
+}  // namespace
+
+std::size_t measured_tool::dropped() const {
+    return static_cast<std::size_t>(
+        std::count_if(edges.begin(), edges.end(), [](edge_mark const& e) { return !e.kept; }));
+}
+
+bool measured_tool::passed() const {
+    return fit &&
+           std::all_of(checks.begin(), checks.end(), [](tolerance_check const& c) { return c.passed; });
+}
+
+measured_tool measure(image const& scene, measure_frame const& frame, measure_tool const& tool) {
+    return tool_run(scene, frame, tool).run();
+}
+
+}  // namespace tvmath
