@@ -11,7 +11,7 @@ inline namespace tvmath {
 namespace {
 
 constexpr double least_residual = 1e-6;  // pixels; below is what rounding leaves
-constexpr double flatness = 0.04;        // pixels that a polyline may leave the outline
+constexpr double leeway = 0.02;          // pixels by which a polyline may leave the outline
 constexpr double longest_step = 8;       // pixels; the distortion bends even straight lines
 constexpr int most_steps = 4000;         // along one edge
 constexpr double of_room = 1.5;          // residuals may be longer here than on the page of one feature
@@ -30,7 +30,7 @@ double distance_from(spot p, spot a, spot b) {
 // The places without those that the form can do without. The two ends, which may be one place, stay.
 // Source: D. H. Douglas, T. K. Peucker, Algorithms for the reduction of the number of points required to
 // represent a digitized line or its caricature, Cartographica 10 (1973) 112-122.
-std::vector<spot> thinned(std::vector<spot> const& places) {
+std::vector<spot> thinned(std::vector<spot> const& places, double tolerance) {
     if (places.size() < 3) return places;
     std::vector<char> kept(places.size(), 0);
     kept.front() = kept.back() = 1;
@@ -39,7 +39,7 @@ std::vector<spot> thinned(std::vector<spot> const& places) {
         auto const [from, to] = open.back();
         open.pop_back();
         std::size_t farthest = from;
-        double largest = flatness;
+        double largest = tolerance;
         for (std::size_t i = from + 1; i < to; ++i) {
             double const d = distance_from(places[i], places[from], places[to]);
             if (d > largest) {
@@ -90,18 +90,20 @@ public:
                 pieces.emplace_back();
             }
         };
-        std::size_t const n = o.at.size(), edges = o.closed ? n : n - 1;
-        if (n == 0) return;
-        take((*this)(origin + o.at[0]));
-        for (std::size_t i = 0; i < edges; ++i) {
-            spot const from = origin + o.at[i], d = o.at[(i + 1) % n] - o.at[i];
+        if (o.at.empty()) return;
+        std::vector<spot> corners = o.at;
+        if (o.closed) corners.push_back(corners.front());
+        corners = thinned(corners, leeway * pixel_);  // carrying a place takes time
+        take((*this)(origin + corners[0]));
+        for (std::size_t i = 0; i + 1 < corners.size(); ++i) {
+            spot const from = origin + corners[i], d = corners[i + 1] - corners[i];
             double const wanted = std::ceil(length(d) / (longest_step * pixel_));
             int const steps = static_cast<int>(std::clamp(wanted, 1.0, 1.0 * most_steps));
             for (int k = 1; k <= steps; ++k) take((*this)(from + (1.0 * k / steps) * d));
         }
         bool const is_whole = o.closed && pieces.size() == 1;
         for (std::vector<spot> const& piece : pieces) {
-            if (piece.size() > 1) to.push_back(make_outline(thinned(piece), is_whole));
+            if (piece.size() > 1) to.push_back(make_outline(thinned(piece, leeway), is_whole));
         }
     }
 
@@ -169,8 +171,9 @@ void add_nominal(measured_tool const& t, drawn_feature& f) {
     if (!t.tool->place) return;
     fit_view const view = view_of_record(*t.tool->place, {});
     for (outline o : view.outlines) {
+        if (o.closed) o.at.push_back(o.at.front());
         for (spot& p : o.at) p = view.origin + p;
-        f.outlines.push_back(make_outline(o.closed || o.at.size() < 3 ? o.at : thinned(o.at), o.closed));
+        f.outlines.push_back(make_outline(thinned(o.at, leeway), o.closed));
     }
     for (spot const& p : view.marks) f.marks.push_back(view.origin + p);
 }
