@@ -11,7 +11,7 @@ inline namespace tvmath {
 namespace {
 
 constexpr double least_residual = 1e-6;  // pixels; below is what rounding leaves
-constexpr double leeway = 0.02;          // pixels by which a polyline may leave the outline
+constexpr double leeway = 0.04;          // pixels by which a polyline may leave the outline
 constexpr double longest_step = 8;       // pixels; the distortion bends even straight lines
 constexpr int most_steps = 4000;         // along one edge
 constexpr double of_room = 1.5;          // residuals may be longer here than on the page of one feature

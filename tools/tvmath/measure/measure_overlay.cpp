@@ -17,6 +17,7 @@ constexpr unsigned long good_colour = 0x46D200, bad_colour = 0x2828FF, whisker_c
 
 constexpr double room = 30;           // pixels for the longest residual, where lines are one pixel wide
 constexpr int pixels_of_width = 1100;  // the longer side of an image for each pixel of a line's width
+constexpr double least_spacing = 9;    // pixels between edge points that have a cross
 
 using overlay_list = std::vector<ctl::ref<IDrawCallback>>;
 
@@ -44,8 +45,10 @@ public:
             }
         }
         for (spot const& p : f.marks) cross(p, 5, colour);
+        // Where edge points are close a cross at each would hide the line.
+        int const arm = f.tool->tool->edges.spacing >= least_spacing * width_ ? 1 : 0;
         for (drawn_edge const& e : f.edges)
-            cross(e.at, e.kept ? 1 : 4, e.kept ? kept_colour : dropped_colour);
+            cross(e.at, e.kept ? arm : 4, e.kept ? kept_colour : dropped_colour);
     }
 
     // The zero of the results and the ways of their axes.

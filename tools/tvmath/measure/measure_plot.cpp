@@ -28,7 +28,7 @@ image_place place_of(measure_report const& report) {
 std::string details_of(measure_report const& report, measure_frame const& frame) {
     measure_job const& job = *report.job;
     std::string text = std::to_string(report.width) + " \u00d7 " + std::to_string(report.height) + " pixels";
-    if (job.from_screen) {
+    if (job.from_screen && !(frame.pixel_length() == 1.0 && job.unit == "px")) {
         text += " of " + short_text(frame.pixel_length(), 5);
         if (!job.unit.empty()) text += ' ' + job.unit;
     }
@@ -43,13 +43,18 @@ void draw_title(canvas& c, measure_report const& report, measure_frame const& fr
                      small = {.size = 9.5, .ink = faint_ink};
     text_style result = {.size = 15, .ink = ink_of(sheet.state), .bold = true, .across = 1};
     if (!sheet.has_limits && sheet.state == verdict::good) result.ink = text_ink;
+    text_style const failing = {.size = 9.5, .ink = bad_ink, .across = 1};
     double const right = margin + width, result_width = c.text_width(sheet.summary, result);
     std::string const title = "Measured features";
     c.text({margin, 34}, title, big);
     double const used = margin + c.text_width(title, big) + 12;
     c.text({used, 34}, cut(c, names_of(report.image), name, right - result_width - 16 - used), name);
-    c.text({margin, 51}, cut(c, details_of(report, frame), small, width), small);
-    c.text({right, 36}, sheet.summary, result);
+    c.text({right, 34}, sheet.summary, result);
+    std::string const details = cut(c, details_of(report, frame), small, width);
+    double const rest = width - c.text_width(details, small) - 16;
+    c.text({margin, 51}, details, small);
+    if (sheet.failing.size() > 0 && rest > 60)
+        c.text({right, 51}, cut(c, sheet.failing, failing, rest), failing);
 }
 
 // One entry: a sample of the line or mark, and what it means.
@@ -64,9 +69,13 @@ public:
         c_.stroke(path, with);
         add_words(23, words);
     }
-    void add_dot(color ink, std::string const& words) {
-        c_.dots({{x_ + 2, y_ - 3}}, 1.3, ink);
-        add_words(8, words);
+    void add_beads(color ink, std::string const& words) {
+        canvas_path path;
+        path.move_to({x_, y_ - 3});
+        path.line_to({x_ + 18, y_ - 3});
+        c_.stroke(path, {ink, 1.9});
+        c_.dots({{x_ + 3, y_ - 3}, {x_ + 9, y_ - 3}, {x_ + 15, y_ - 3}}, 0.6, {1, 1, 1});
+        add_words(23, words);
     }
     void add_cross(color ink, std::string const& words) {
         canvas_path path;
@@ -95,11 +104,15 @@ void draw_legend(canvas& c, measure_drawing const& drawing, measure_sheet const&
                            [state](drawn_feature const& f) { return f.state == state; });
     };
     legend l(c, y);
-    if (has(verdict::good)) l.add_line({good_ink, 1.5}, sheet.has_limits ? "passes" : "fitted feature");
+    if (has(verdict::good)) l.add_line({good_ink, 1.7}, sheet.has_limits ? "passes" : "fitted feature");
     if (has(verdict::bad)) l.add_line({bad_ink, 1.9}, "fails");
     if (has(verdict::missing)) l.add_line({bad_ink, 1.5, 4}, "not found");
     if (!shows_edges(drawing)) return;
-    if (has(verdict::good) || has(verdict::bad)) l.add_dot(feature_ink, "edge points");
+    if (has(verdict::good)) {
+        l.add_beads(good_ink, "edge points");
+    } else if (has(verdict::bad)) {
+        l.add_beads(bad_ink, "edge points");
+    }
     if (drawing.has_dropped()) l.add_cross(dropped_ink, "dropped as outliers");
     if (drawing.factor > 0)
         l.add_line({whisker_ink, 0.8}, "residuals, drawn \u00d7 " + factor_text(drawing.factor));

@@ -78,7 +78,7 @@ private:
 /// How one figure of a feature stands.
 struct sheet_row {
     std::string name;  ///< empty below the first row of a feature
-    std::string what, measured, nominal, deviation, tolerance, form, verdict;
+    std::string what, measured, place, nominal, deviation, tolerance, form, verdict;
     std::string reason;  ///< why there is no feature, in place of all numbers
     color ink = {}, verdict_ink = {};  ///< of the deviation and of the verdict
     bool is_form_bad = false;
@@ -91,6 +91,7 @@ struct measure_sheet {
     std::vector<sheet_row> rows;
     std::string rest;     ///< what is said of those without a row
     std::string summary;  ///< "15 of 16 pass"
+    std::string failing;  ///< "hole C fails"; empty where all is well
     verdict state = verdict::good;
     bool has_limits = false;
 };

@@ -10,7 +10,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr std::size_t most_rows = 20, most_rows_of_one = 3;
+constexpr std::size_t most_rows = 20, most_rows_of_one = 3, most_named = 3;
 
 // What a feature is asked for first, by the names of its figures.
 std::vector<std::string> main_figures(fit_result const& fit) {
@@ -83,7 +83,9 @@ public:
         }
         if (rows.empty()) rows.emplace_back();
         rows.front().name = tool_.tool->name;
-        rows.front().form = fixed_text(fit_.form_error, decimals_);
+        figure const* const center = find(fit_.figures, "center");
+        if (center && rows.front().what != "center") rows.front().place = text_of(*center);
+        if (fit_.count > 1) rows.front().form = fixed_text(fit_.form_error, decimals_);
         tolerance_check const* const form = find(tool_.checks, "form");
         rows.front().is_form_bad = form && !form->passed;
         if (!tool_.checks.empty()) rows.front().verdict = tool_.passed() ? "PASS" : "FAIL";
@@ -200,6 +202,19 @@ std::string summary_of(tally const& t, bool has_limits) {
     return text;
 }
 
+// The first ones by name.
+std::string failing_of(measure_report const& report) {
+    std::string names;
+    std::size_t count = 0;
+    for (measured_tool const& t : report.tools) {
+        if (t.passed()) continue;
+        if (++count <= most_named) names += (count > 1 ? ", " : "") + t.tool->name;
+    }
+    if (count == 0 || report.tools.size() == 1) return {};
+    if (count > most_named) names += " and " + std::to_string(count - most_named) + " more";
+    return names + (count == 1 ? " fails" : " fail");
+}
+
 std::string rest_of(tally const& t, bool has_limits) {
     std::string text = "and " + std::to_string(t.all) + " more";
     if (t.failing + t.missing > 0)
@@ -209,10 +224,6 @@ std::string rest_of(tally const& t, bool has_limits) {
 
 int decimals_for(double pixel_length) {
     return static_cast<int>(std::clamp(std::ceil(-std::log10(pixel_length / 500)), 0.0, 12.0));
-}
-
-bool is_good(measured_tool const& t) {
-    return t.passed();
 }
 
 }  // namespace
@@ -227,12 +238,13 @@ measure_sheet make_measure_sheet(measure_report const& report, double pixel_leng
         shown.push_back(&t);
     }
     if (shown.size() > most_rows) {
-        std::stable_partition(shown.begin(), shown.end(), [](auto const* t) { return !is_good(*t); });
+        std::stable_partition(shown.begin(), shown.end(), [](auto const* t) { return !t->passed(); });
     }
     tally rest;
     for (std::size_t i = most_rows; i < shown.size(); ++i) rest.count(*shown[i]);
     shown.resize(std::min(shown.size(), most_rows));
     if (rest.all > 0) sheet.rest = rest_of(rest, sheet.has_limits);
+    sheet.failing = failing_of(report);
     sheet.summary = summary_of(all, sheet.has_limits);
     sheet.state = all.good() == all.all ? verdict::good : verdict::bad;
 
@@ -247,6 +259,11 @@ measure_sheet make_measure_sheet(measure_report const& report, double pixel_leng
     while (of_one > 1 && total(of_one) > most_rows) --of_one;
     for (auto const& own : rows) {
         for (std::size_t i = 0; i < std::min(own.size(), of_one); ++i) sheet.rows.push_back(own[i]);
+    }
+    // Beside a nominal value the deviations tell more.
+    auto& made = sheet.rows;
+    if (std::any_of(made.begin(), made.end(), [](sheet_row const& row) { return !row.nominal.empty(); })) {
+        for (sheet_row& row : made) row.place.clear();
     }
     return sheet;
 }

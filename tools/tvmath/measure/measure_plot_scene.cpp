@@ -11,8 +11,9 @@ constexpr unsigned int most_pixels = 1600;    // across; more would make large f
 constexpr std::size_t most_edges = 20000;     // that are drawn
 constexpr std::size_t most_names = 40;        // of tools; of more those that fail have one
 constexpr std::size_t most_failing_names = 24;
-constexpr double palest = 0.97, darkest = 0.40;  // of the photograph
+constexpr double palest = 0.97, darkest = 0.32;  // of the photograph
 constexpr double obstacle_step = 4;           // points between the places that names keep clear of
+constexpr double least_whisker = 0.8;         // points; the outline covers shorter ones
 constexpr color casing = {1, 1, 1, 0.75};
 
 // A pale copy, on which lines stand out, of pixels that are the means of squares of them.
@@ -63,6 +64,7 @@ public:
         spot const tips[] = {at(frame.to_image(point(true, length, 0))),
                              at(frame.to_image(point(true, 0, length)))};
         canvas_path lines, heads;
+        std::vector<spot> letters;
         for (int i = 0; i < 2; ++i) {
             spot const way = tips[i] - zero;
             double const size = std::hypot(way.x, way.y);
@@ -75,15 +77,16 @@ public:
             heads.line_to(neck - 2.2 * across);
             heads.close();
             for (double t = 0; t < size + 8; t += obstacle_step) tags_.avoid(zero + t * along);
-            letters_.push_back({tips[i] + 6.0 * along, i == 0 ? "x" : "y"});
+            letters.push_back(tips[i] + 7.0 * along);
         }
         c_.stroke(lines, {casing, 3.2});
         c_.stroke(heads, {casing, 2.4});
         c_.stroke(lines, {axis_ink, 1.1});
         c_.fill(heads, axis_ink);
-        for (auto const& [where, letter] : letters_)
-            c_.text(where, letter,
-                    {.size = 9, .ink = axis_ink, .bold = true, .across = 0.5, .up = 0.5, .halo = true});
+        c_.dots(letters, 5.5, casing);
+        for (int i = 0; i < 2; ++i)
+            c_.text(letters[static_cast<std::size_t>(i)] + spot{0, -0.5}, i == 0 ? "x" : "y",
+                    {.size = 9, .ink = axis_ink, .bold = true, .across = 0.5, .up = 0.4});
     }
 
     // A length of the results in the lower left corner.
@@ -144,12 +147,13 @@ private:
         canvas_path whiskers;
         for (drawn_feature const& f : drawing_.features) {
             for (drawn_edge const& e : f.edges) {
-                if (!e.kept) continue;
-                whiskers.move_to(at(e.foot));
-                whiskers.line_to(at(drawing_.tip(e)));
+                spot const foot = at(e.foot), tip = at(drawing_.tip(e));
+                if (!e.kept || std::hypot(tip.x - foot.x, tip.y - foot.y) < least_whisker) continue;
+                whiskers.move_to(foot);
+                whiskers.line_to(tip);
             }
         }
-        c_.stroke(whiskers, {{1, 1, 1, 0.5}, 2});
+        if (drawing_.features.size() <= most_names) c_.stroke(whiskers, {{1, 1, 1, 0.5}, 2});
         c_.stroke(whiskers, {whisker_ink, 0.8});
     }
 
@@ -176,7 +180,7 @@ private:
         }
         c_.stroke(all, {casing, 3.4});
         for (canvas_path const& path : marks) c_.stroke(path, {casing, 2.8});
-        c_.stroke(good, {good_ink, 1.5});
+        c_.stroke(good, {good_ink, 1.7});
         c_.stroke(bad, {bad_ink, 1.9});
         c_.stroke(missing, {bad_ink, 1.5, 4});
         c_.stroke(marks[0], {good_ink, 1.1});
@@ -199,7 +203,7 @@ private:
                 }
             }
         }
-        c_.dots(kept, 0.9, feature_ink);
+        c_.dots(kept, 0.55, {1, 1, 1});
         c_.stroke(dropped, {casing, 3});
         c_.stroke(dropped, {dropped_ink, 1.4});
     }
@@ -232,7 +236,6 @@ private:
     image_place const& place_;
     measure_drawing const& drawing_;
     tag_placer tags_;
-    std::vector<std::pair<spot, std::string>> letters_;
 };
 
 }  // namespace

@@ -42,6 +42,7 @@ public:
         for (column const& col : {column{"feature", side::left, &sheet_row::name},
                                   column{"", side::left, &sheet_row::what},
                                   column{"measured" + in, side::point, &sheet_row::measured},
+                                  column{"center x, y", side::right, &sheet_row::place},
                                   column{"nominal", side::point, &sheet_row::nominal},
                                   column{"deviation", side::point, &sheet_row::deviation},
                                   column{"tolerance", side::left, &sheet_row::tolerance},
