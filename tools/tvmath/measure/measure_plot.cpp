@@ -74,7 +74,7 @@ public:
         path.move_to({x_, y_ - 3});
         path.line_to({x_ + 18, y_ - 3});
         c_.stroke(path, {ink, 1.9});
-        c_.dots({{x_ + 3, y_ - 3}, {x_ + 9, y_ - 3}, {x_ + 15, y_ - 3}}, 0.6, {1, 1, 1});
+        c_.dots({{x_ + 3, y_ - 3}, {x_ + 9, y_ - 3}, {x_ + 15, y_ - 3}}, 0.5, {1, 1, 1});
         add_words(23, words);
     }
     void add_cross(color ink, std::string const& words) {
@@ -104,8 +104,8 @@ void draw_legend(canvas& c, measure_drawing const& drawing, measure_sheet const&
                            [state](drawn_feature const& f) { return f.state == state; });
     };
     legend l(c, y);
-    if (has(verdict::good)) l.add_line({good_ink, 1.7}, sheet.has_limits ? "passes" : "fitted feature");
-    if (has(verdict::bad)) l.add_line({bad_ink, 1.9}, "fails");
+    if (has(verdict::good)) l.add_line({good_ink, 1.8}, sheet.has_limits ? "passes" : "fitted feature");
+    if (has(verdict::bad)) l.add_line({bad_ink, 2}, "fails");
     if (has(verdict::missing)) l.add_line({bad_ink, 1.5, 4}, "not found");
     if (!shows_edges(drawing)) return;
     if (has(verdict::good)) {
@@ -116,6 +116,25 @@ void draw_legend(canvas& c, measure_drawing const& drawing, measure_sheet const&
     if (drawing.has_dropped()) l.add_cross(dropped_ink, "dropped as outliers");
     if (drawing.factor > 0)
         l.add_line({whisker_ink, 0.8}, "residuals, drawn \u00d7 " + factor_text(drawing.factor));
+}
+
+// A round length of the results, at the right end of the line of the legend.
+void draw_scale_bar(canvas& c, image_place const& place, double pixel_length, std::string const& unit,
+                    double y) {
+    double const length = round_125_below(0.15 * width / place.scale * pixel_length),
+                 bar = length / pixel_length * place.scale;
+    std::string const words = short_text(length) + (unit.empty() ? "" : " " + unit);
+    text_style const style = {.size = 8.5, .ink = text_ink, .across = 1};
+    double const right = margin + width - c.text_width(words, style) - 6, left = right - bar;
+    canvas_path line;
+    for (double const end : {left, right}) {
+        line.move_to({end, y - 6});
+        line.line_to({end, y});
+    }
+    line.move_to({left, y - 3});
+    line.line_to({right, y - 3});
+    c.stroke(line, {text_ink, 1.2});
+    c.text({margin + width, y}, words, style);
 }
 
 void draw_frame(canvas& c, image_place const& place) {
@@ -143,6 +162,7 @@ std::string measure_plot(image const& scene, measure_frame const& frame, measure
     draw_measure_scene(*c, scene, frame, report, drawing, place);
     draw_frame(*c, place);
     draw_legend(*c, drawing, sheet, bottom + 16);
+    draw_scale_bar(*c, place, frame.pixel_length(), report.job->unit, bottom + 16);
     draw_measure_sheet(*c, sheet, report.job->unit, {margin, table_top}, width);
     return c->finish();
 }

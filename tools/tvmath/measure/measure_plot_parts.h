@@ -26,7 +26,7 @@ struct image_place {
     spot at(spot p) const { return corner + scale * p; }
 };
 
-/// The image, paler, with the features, their names, the axes and a scale bar.
+/// The image, paler, with the features, their names and the axes.
 void draw_measure_scene(canvas& c, image const& scene, measure_frame const& frame,
                         measure_report const& report, measure_drawing const& drawing,
                         image_place const& place);
@@ -50,8 +50,6 @@ public:
 
     /// Better not covered.
     void avoid(spot at) { avoided_.push_back(at); }
-    /// Never covered.
-    void block(spot corner, double width, double height);
     void put(name_tag const& tag);
 
 private:
@@ -94,6 +92,9 @@ struct measure_sheet {
     std::string failing;  ///< "hole C fails"; empty where all is well
     verdict state = verdict::good;
     bool has_limits = false;
+
+    /// Short rows stand in two blocks beside each other.
+    bool is_divided() const;
 };
 
 /// Rows for the features, as many as there is room for; those that fail come first when that is not enough.

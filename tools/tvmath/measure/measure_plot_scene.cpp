@@ -89,34 +89,6 @@ public:
                     {.size = 9, .ink = axis_ink, .bold = true, .across = 0.5, .up = 0.4});
     }
 
-    // A length of the results in the lower left corner.
-    void draw_scale_bar(double pixel_length, std::string const& unit) {
-        double const length = round_125_below(0.16 * place_.width / place_.scale * pixel_length),
-                     bar = length / pixel_length * place_.scale;
-        text_style const style = {.size = 8.5, .ink = text_ink, .bold = true, .across = 0.5};
-        std::string const words = short_text(length) + (unit.empty() ? "" : " " + unit);
-        double const width = std::max(bar, c_.text_width(words, style)) + 14, height = 25;
-        spot const corner = place_.corner + spot{8, place_.height - height - 8};
-        canvas_path box;
-        box.move_to(corner);
-        box.line_to(corner + spot{width, 0});
-        box.line_to(corner + spot{width, height});
-        box.line_to(corner + spot{0, height});
-        box.close();
-        c_.fill(box, {1, 1, 1, 0.85});
-        spot const middle = corner + spot{width / 2, height - 7};
-        canvas_path line;
-        for (double const end : {-bar / 2, bar / 2}) {
-            line.move_to(middle + spot{end, -3});
-            line.line_to(middle + spot{end, 3});
-        }
-        line.move_to(middle + spot{-bar / 2, 0});
-        line.line_to(middle + spot{bar / 2, 0});
-        c_.stroke(line, {text_ink, 1.3});
-        c_.text(middle + spot{0, -6}, words, style);
-        tags_.block(corner, width, height);
-    }
-
     // Those that fail first: for them there is room in any case.
     void draw_names() {
         bool const only_failing = drawing_.features.size() > most_names;
@@ -180,8 +152,8 @@ private:
         }
         c_.stroke(all, {casing, 3.4});
         for (canvas_path const& path : marks) c_.stroke(path, {casing, 2.8});
-        c_.stroke(good, {good_ink, 1.7});
-        c_.stroke(bad, {bad_ink, 1.9});
+        c_.stroke(good, {good_ink, 1.8});
+        c_.stroke(bad, {bad_ink, 2.0});
         c_.stroke(missing, {bad_ink, 1.5, 4});
         c_.stroke(marks[0], {good_ink, 1.1});
         c_.stroke(marks[1], {bad_ink, 1.1});
@@ -203,7 +175,7 @@ private:
                 }
             }
         }
-        c_.dots(kept, 0.55, {1, 1, 1});
+        c_.dots(kept, 0.45, {1, 1, 1});
         c_.stroke(dropped, {casing, 3});
         c_.stroke(dropped, {dropped_ink, 1.4});
     }
@@ -254,7 +226,6 @@ void draw_measure_scene(canvas& c, image const& scene, measure_frame const& fram
     scene_drawer drawer(c, place, drawing);
     drawer.draw_features();
     if (report.job->from_screen) drawer.draw_axes(frame, 42);
-    drawer.draw_scale_bar(frame.pixel_length(), report.job->unit);
     drawer.draw_names();
     c.end_clip();
 }

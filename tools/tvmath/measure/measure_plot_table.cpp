@@ -10,6 +10,8 @@ namespace {
 
 constexpr double row_height = 14.5, head_height = 20, rest_height = 17;
 constexpr double gauge_width = 92, most_gap = 30, widest_name = 150, widest_what = 104;
+constexpr double block_gap = 32, widest_divided_name = 96;
+constexpr std::size_t most_undivided = 6;
 constexpr text_style head_style = {.size = 8, .ink = faint_ink}, cell_style = {.size = 8.5, .ink = text_ink},
                      bold_style = {.size = 8.5, .ink = text_ink, .bold = true};
 
@@ -34,10 +36,15 @@ std::size_t anchor_of(column const& col, std::string const& text) {
     return dot == std::string::npos || is_pair ? text.size() : dot;
 }
 
+std::size_t rows_of_block(measure_sheet const& sheet) {
+    return sheet.is_divided() ? (sheet.rows.size() + 1) / 2 : sheet.rows.size();
+}
+
 class table_drawer {
 public:
     table_drawer(canvas& c, measure_sheet const& sheet, std::string const& unit, spot corner, double width)
         : c_(c), sheet_(sheet), corner_(corner), width_(width) {
+        if (sheet.is_divided()) width_ = (width - block_gap) / 2;
         std::string const in = unit.empty() ? "" : ", " + unit;
         for (column const& col : {column{"feature", side::left, &sheet_row::name},
                                   column{"", side::left, &sheet_row::what},
@@ -55,21 +62,30 @@ public:
     }
 
     void draw() {
-        for (column const& col : columns_) draw_head(col);
-        double y = corner_.y + head_height;
-        line(corner_.y + head_height - 5, frame_ink);
-        for (sheet_row const& row : sheet_.rows) {
-            bool const begins = !row.name.empty() && &row != &sheet_.rows.front();
-            if (begins) line(y, grid_ink);
-            for (column const& col : columns_) draw_cell(col, row, y);
-            if (!row.reason.empty()) draw_reason(row, y);
-            y += row_height;
+        std::size_t const n = sheet_.rows.size(), of_block = rows_of_block(sheet_);
+        double const bottom = corner_.y + head_height + row_height * static_cast<double>(of_block);
+        c_.text({corner_.x, bottom + 12}, sheet_.rest, {.size = 8.5, .ink = faint_ink});
+        for (std::size_t first = 0; first < n; first += of_block) {
+            draw_block(first, std::min(first + of_block, n));
+            line(bottom, frame_ink);
+            corner_.x += width_ + block_gap;
+            for (column& col : columns_) col.left += width_ + block_gap;
         }
-        line(y, frame_ink);
-        c_.text({corner_.x, y + 12}, sheet_.rest, {.size = 8.5, .ink = faint_ink});
     }
 
 private:
+    void draw_block(std::size_t first, std::size_t end) {
+        for (column const& col : columns_) draw_head(col);
+        double y = corner_.y + head_height;
+        line(y - 3, frame_ink);
+        for (std::size_t i = first; i < end; ++i, y += row_height) {
+            sheet_row const& row = sheet_.rows[i];
+            if (i > first && !row.name.empty()) line(y, grid_ink);
+            for (column const& col : columns_) draw_cell(col, row, y);
+            if (!row.reason.empty()) draw_reason(row, y);
+        }
+    }
+
     bool is_used(column const& col) const {
         return std::any_of(sheet_.rows.begin(), sheet_.rows.end(), [&col](sheet_row const& row) {
             return col.text ? !(row.*col.text).empty() : row.has_gauge;
@@ -88,7 +104,8 @@ private:
 
     std::string text_of(column const& col, sheet_row const& row) const {
         std::string const& text = row.*col.text;
-        if (col.text == &sheet_row::name) return cut(c_, text, bold_style, widest_name);
+        double const widest = sheet_.is_divided() ? widest_divided_name : widest_name;
+        if (col.text == &sheet_row::name) return cut(c_, text, bold_style, widest);
         if (col.text == &sheet_row::what) return cut(c_, text, cell_style, widest_what);
         return text;
     }
@@ -226,8 +243,14 @@ private:
 
 }  // namespace
 
+bool measure_sheet::is_divided() const {
+    return rows.size() > most_undivided && std::none_of(rows.begin(), rows.end(), [](sheet_row const& row) {
+               return !row.nominal.empty() || row.has_gauge || !row.verdict.empty();
+           });
+}
+
 double height_of(measure_sheet const& sheet) {
-    return head_height + row_height * static_cast<double>(sheet.rows.size()) +
+    return head_height + row_height * static_cast<double>(rows_of_block(sheet)) +
            (sheet.rest.empty() ? 0 : rest_height);
 }
 
