@@ -173,12 +173,13 @@ TEST(EdgePoints, OfLinesThroughCornersAndOfBadLines) {
     struct {
         double x, y, dx, dy;
         pixel first, second;
-    } const cases[] = {{0, 0, 1, 1, {0, 0}, {7, 7}},     {0, 8, 1, -1, {7, 0}, {0, 7}},
-                       {4, 4, -2, -2, {0, 0}, {7, 7}},   {4, 4, -1, 1, {7, 0}, {0, 7}},
-                       {99, 2.5, -3, 0, {7, 2}, {0, 2}}, {4, 4, 0, 0, none, none},
-                       {bad, 4, 1, 0, none, none},       {4, 4, bad, 1, none, none},
-                       {4, 4, infinity, 1, none, none},  {-infinity, 4, 1, 0, none, none},
-                       {huge, huge, 1, 1, none, none},   {1e17, 1e17 + 16, 1, 1, none, none}};
+    } const cases[] = {{0, 0, 1, 1, {0, 0}, {7, 7}},         {0, 8, 1, -1, {7, 0}, {0, 7}},
+                       {4, 4, -2, -2, {0, 0}, {7, 7}},       {4, 4, -1, 1, {7, 0}, {0, 7}},
+                       {99, 2.5, -3, 0, {7, 2}, {0, 2}},     {4, 4, 0, 0, none, none},
+                       {bad, 4, 1, 0, none, none},           {4, 4, bad, 1, none, none},
+                       {4, 4, infinity, 1, none, none},      {-infinity, 4, 1, 0, none, none},
+                       {huge, huge, 1, 1, none, none},       {1e17, 1e17 + 16, 1, 1, none, none},
+                       {1e17, 2.6, 1, 1e-18, {0, 2}, {7, 2}}};
     for (auto const& c : cases) {
         for (unsigned int const size : {8u, 0u}) {
             pixel first = none, second = none;
