@@ -49,7 +49,7 @@ TVMATH_API VisionPattern generate_pattern(image sample, image gradient, double p
                                           bool wrap);
 
 /// How well the pattern matches about each pixel along its row: an image of the size of `input`, from 0 to 1
-/// with the best match at 1. `input` is smoothed along the columns first, over 17 rows, since the edge runs
+/// with the best match at 1, unless all pixels match alike. `input` is smoothed along the columns first, over 17 rows, since the edge runs
 /// along them; `wrap` closes them to rings. Beyond the ends of a row its end pixels count as repeated.
 ///
 /// Where the switch `new_pattern_match_enabled()` is on, the strength is the correlation coefficient, for

@@ -162,6 +162,10 @@ image match_by_energy(image const& m, std::vector<double> q) {
             to[y][x] = sqr(sqr(sqr(v)));
         }
     });
+    // Where all windows match alike, there is nothing to stretch but rounding.
+    double min, max;
+    minmax_value(result, min, max);
+    if (max - min <= 1e-9 * max) return result = max;
     return result.enhance();
 }
 

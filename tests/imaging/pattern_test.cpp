@@ -227,6 +227,10 @@ TEST(PatternFilter, IsBlackWithoutPatternOrMatch) {
         EXPECT_FALSE(is_black(pattern_filter(input, pattern, false)));
         EXPECT_TRUE(is_black(pattern_filter(image(30, 40), pattern, false)));
         EXPECT_TRUE(is_black(pattern_filter(input, VisionPattern(0, 0.5), false)));
+        // Rows without contrast match alike all over, however bright; rounding must not be stretched.
+        image const stripes = image_of(60, 700, [](double y, double) { return 0.1 + y / 97; });
+        image const alike = pattern_filter(stripes, pattern, false);
+        EXPECT_EQ(min_value(alike), max_value(alike));
         for (double ratio : {0.0, -1.0, 2.99 / 40, nan_value, infinity, 1e300, 4.1}) {
             pattern.width_ratio = ratio;
             image const result = pattern_filter(input, pattern, true);
