@@ -70,12 +70,11 @@ public:
           middle_{report.width / 2.0, report.height / 2.0} {}
 
     double pixel() const { return pixel_; }
-    double height = 0;       // z of the places, where there is one
+    double height = 0;  // z of the places, where there is one
     bool is_solid = false;
 
     spot operator()(spot p) const {
-        point const at =
-            frame_.to_image(is_solid ? point(true, p.x, p.y, height) : point(true, p.x, p.y));
+        point const at = frame_.to_image(is_solid ? point(true, p.x, p.y, height) : point(true, p.x, p.y));
         return {at.x(), at.y()};
     }
     bool is_near(spot p) const { return length(p - middle_) < reach_; }  // false for NaN

@@ -35,8 +35,8 @@ struct drawn_feature {
 /// All that is drawn over an image.
 struct measure_drawing {
     std::vector<drawn_feature> features;
-    /// How many times the residuals are enlarged: 1, 2 or 5 times a power of ten. 0 when they are no more than
-    /// rounding.
+    /// How many times the residuals are enlarged: 1, 2 or 5 times a power of ten. 0 when they are no more
+    /// than rounding.
     double factor = 0;
     /// The longest of them would then be so many pixels long.
     double longest = 0;

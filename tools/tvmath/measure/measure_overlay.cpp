@@ -15,7 +15,7 @@ namespace {
 constexpr unsigned long good_colour = 0x46D200, bad_colour = 0x2828FF, whisker_colour = 0xFFB428,
                         kept_colour = 0x00E1FF, dropped_colour = 0xFF00FF, axis_colour = 0x0090FF;
 
-constexpr double room = 30;           // pixels for the longest residual, where lines are one pixel wide
+constexpr double room = 30;            // pixels for the longest residual, where lines are one pixel wide
 constexpr int pixels_of_width = 1100;  // the longer side of an image for each pixel of a line's width
 constexpr double least_spacing = 9;    // pixels between edge points that have a cross
 

@@ -77,7 +77,7 @@ private:
 struct sheet_row {
     std::string name;  ///< empty below the first row of a feature
     std::string what, measured, place, nominal, deviation, tolerance, form, verdict;
-    std::string reason;  ///< why there is no feature, in place of all numbers
+    std::string reason;                ///< why there is no feature, in place of all numbers
     color ink = {}, verdict_ink = {};  ///< of the deviation and of the verdict
     bool is_form_bad = false;
     bool has_gauge = false;

@@ -5,6 +5,7 @@
 #include "fit/fit_report.h"
 #include "measure/measure_checks.h"
 #include "measure/measure_plot_parts.h"
+#include "report/figure_json.h"
 #include "tvmath/scalar.h"
 
 inline namespace tvmath {
@@ -38,7 +39,7 @@ bool is_angle(figure const& f) {
 
 figure const* find(std::vector<figure> const& figures, std::string const& name) {
     for (figure const& f : figures) {
-        if (limit_name(f) == name) return &f;
+        if (figure_key(f) == name) return &f;
     }
     return nullptr;
 }
@@ -72,7 +73,8 @@ public:
         }
         // The limit may be that of the radius.
         bool const by_radius = find(tool_.checks, "radius") != nullptr;
-        for (std::string const& name : main_figures(fit_)) add(name == "diameter" && by_radius ? "radius" : name);
+        for (std::string const& name : main_figures(fit_))
+            add(name == "diameter" && by_radius ? "radius" : name);
         for (tolerance_check const& c : tool_.checks) {
             if (c.limit.figure != "form") add(c.limit.figure);  // that one has its column
         }
@@ -113,9 +115,10 @@ private:
         row.lower = low;
         row.upper = high;
         auto const bound = [&](double x) { return short_text(x) + unit; };
-        row.tolerance = low == -high  ? "\u00b1 " + bound(high)
-                        : low == 0.0 ? "\u2264 " + bound(high)
-                                     : signed_text(low, decimals) + " \u2026 " + signed_text(high, decimals) + unit;
+        row.tolerance = low == -high ? "\u00b1 " + bound(high)
+                        : low == 0.0
+                            ? "\u2264 " + bound(high)
+                            : signed_text(low, decimals) + " \u2026 " + signed_text(high, decimals) + unit;
     }
 
     // Errors have no nominal: what was measured is what the limit speaks of.

@@ -7,13 +7,13 @@
 inline namespace tvmath {
 namespace {
 
-constexpr unsigned int most_pixels = 1600;    // across; more would make large files that show no more
-constexpr std::size_t most_edges = 20000;     // that are drawn
-constexpr std::size_t most_names = 40;        // of tools; of more those that fail have one
+constexpr unsigned int most_pixels = 1600;  // across; more would make large files that show no more
+constexpr std::size_t most_edges = 20000;   // that are drawn
+constexpr std::size_t most_names = 40;      // of tools; of more those that fail have one
 constexpr std::size_t most_failing_names = 24;
 constexpr double palest = 0.97, darkest = 0.32;  // of the photograph
-constexpr double obstacle_step = 4;           // points between the places that names keep clear of
-constexpr double least_whisker = 0.8;         // points; the outline covers shorter ones
+constexpr double obstacle_step = 4;              // points between the places that names keep clear of
+constexpr double least_whisker = 0.8;            // points; the outline covers shorter ones
 constexpr color casing = {1, 1, 1, 0.75};
 
 // A pale copy, on which lines stand out, of pixels that are the means of squares of them.

@@ -46,16 +46,15 @@ public:
         : c_(c), sheet_(sheet), corner_(corner), width_(width) {
         if (sheet.is_divided()) width_ = (width - block_gap) / 2;
         std::string const in = unit.empty() ? "" : ", " + unit;
-        for (column const& col : {column{"feature", side::left, &sheet_row::name},
-                                  column{"", side::left, &sheet_row::what},
-                                  column{"measured" + in, side::point, &sheet_row::measured},
-                                  column{"center x, y", side::right, &sheet_row::place},
-                                  column{"nominal", side::point, &sheet_row::nominal},
-                                  column{"deviation", side::point, &sheet_row::deviation},
-                                  column{"tolerance", side::left, &sheet_row::tolerance},
-                                  column{"", side::left, nullptr},
-                                  column{"form error", side::point, &sheet_row::form},
-                                  column{"", side::right, &sheet_row::verdict}}) {
+        for (column const& col :
+             {column{"feature", side::left, &sheet_row::name}, column{"", side::left, &sheet_row::what},
+              column{"measured" + in, side::point, &sheet_row::measured},
+              column{"center x, y", side::right, &sheet_row::place},
+              column{"nominal", side::point, &sheet_row::nominal},
+              column{"deviation", side::point, &sheet_row::deviation},
+              column{"tolerance", side::left, &sheet_row::tolerance}, column{"", side::left, nullptr},
+              column{"form error", side::point, &sheet_row::form},
+              column{"", side::right, &sheet_row::verdict}}) {
             if (is_used(col)) columns_.push_back(col);
         }
         lay_out();
@@ -164,10 +163,10 @@ private:
         text_style style = style_of(col, row);
         std::size_t const anchor = anchor_of(col, text);
         bool const at_end = col.stands != side::left && anchor == text.size();
-        double const left = at_end                      ? col.left + col.width() - c_.text_width(text, style)
-                            : col.stands == side::point ? col.left + col.whole -
-                                                              c_.text_width(text.substr(0, anchor), style)
-                                                        : col.left;
+        double const left = at_end ? col.left + col.width() - c_.text_width(text, style)
+                            : col.stands == side::point
+                                ? col.left + col.whole - c_.text_width(text.substr(0, anchor), style)
+                                : col.left;
         c_.text({left, foot}, text, style);
     }
 

@@ -10,11 +10,11 @@ namespace {
 
 constexpr text_style tag_style = {.size = 8.5, .bold = true};
 constexpr double pad = 3.2, letters = 0.73 * tag_style.size;
-constexpr double inset = 4;         // from the border of the image
-constexpr double apart = 2;         // of two boxes
+constexpr double inset = 4;  // from the border of the image
+constexpr double apart = 2;  // of two boxes
 constexpr double cost_of_avoided = 1.2;
 constexpr int places_around = 32;
-constexpr double line_from = 13;    // A box farther away has a line to what it names.
+constexpr double line_from = 13;     // A box farther away has a line to what it names.
 constexpr double cost_beside = 2.5;  // against the middle of what is named
 
 spot unit(spot a) {
@@ -119,7 +119,7 @@ void tag_placer::put(name_tag const& tag) {
     spot const middle = 0.5 * (extent.low + extent.high);
     if (is_closed && extent.width() > width_ + 8 && extent.height() > height_ + 8) {
         // Below the cross of the middle where there is room.
-        bool const is_high = extent.height() > 3 * height_ + 16;
+        bool const is_high = !tag.marks.empty() && extent.height() > 3 * height_ + 16;
         consider(middle + spot{0, is_high ? height_ / 2 + 8 : 0}, middle, 0);
     }
     for (double const gap : {5.0, 9.0, 14.0, 22.0, 34.0, 50.0, 75.0, 110.0}) {

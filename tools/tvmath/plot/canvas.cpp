@@ -48,8 +48,8 @@ cairo_surface_t* colour_surface(grey_picture const& picture) {
         auto* const row = reinterpret_cast<std::uint32_t*>(
             rows + std::ptrdiff_t{y} * cairo_image_surface_get_stride(surface));
         for (int x = 0; x < width; ++x)
-            row[x] = 0x010101u * picture.grey[static_cast<std::size_t>(y) * picture.width +
-                                              static_cast<std::size_t>(x)];
+            row[x] = 0x010101u *
+                     picture.grey[static_cast<std::size_t>(y) * picture.width + static_cast<std::size_t>(x)];
     }
     cairo_surface_mark_dirty(surface);
     return surface;
@@ -114,10 +114,10 @@ public:
         if (!is_bitmap_) {
             auto png = std::make_unique<std::string>(grey_png(picture));
             auto const forget = [](void* held) { delete static_cast<std::string*>(held); };
-            if (!png->empty() && cairo_surface_set_mime_data(
-                                     surface, CAIRO_MIME_TYPE_PNG,
-                                     reinterpret_cast<unsigned char const*>(png->data()), png->size(), forget,
-                                     png.get()) == CAIRO_STATUS_SUCCESS)
+            if (!png->empty() &&
+                cairo_surface_set_mime_data(surface, CAIRO_MIME_TYPE_PNG,
+                                            reinterpret_cast<unsigned char const*>(png->data()), png->size(),
+                                            forget, png.get()) == CAIRO_STATUS_SUCCESS)
                 static_cast<void>(png.release());
         }
         cairo_save(c_);
