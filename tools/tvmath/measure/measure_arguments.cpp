@@ -63,6 +63,7 @@ CLI::App* add_measure(CLI::App& app, measure_request& request) {
     option("--overlay", request.overlay, "PICTURE.png", "Draw the features and edge points into the image");
     option("--plot", request.plot, "PICTURE.svg|png|pdf", "Draw the image, the features and their figures");
     option("--points", request.points, "OUT.csv", "Write a row for each edge point");
+    option("--centers", request.centers, "OUT.csv", "Write the place of each feature, a row x,y");
     option("--records", request.records, "OUT.txt", "Write the features, each as a name and a text");
     measure->add_flag("--json", request.json, "Write JSON instead of text");
     measure->footer(notes);
