@@ -295,6 +295,7 @@ public:
     void dots(std::vector<spot> const& at, double, color) override {
         places.insert(places.end(), at.begin(), at.end());
     }
+    void photograph(grey_picture const&, spot, double, double) override {}
     void text(spot at, std::string const& words, text_style const&) override {
         places.push_back(at);
         said += words + '\n';

@@ -32,6 +32,7 @@ public:
         keep(at);
         dot_count += at.size();
     }
+    void photograph(grey_picture const&, spot, double, double) override {}
     void text(spot at, std::string const& text, text_style const& style) override {
         double width = text_width(text, style), height = 0.73 * style.size;
         double left = at.x - style.across * width, bottom = at.y + style.up * height;
