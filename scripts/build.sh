@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 preset=$1
 shift
 scripts/install_packages.sh g++ cmake ninja-build libutfcpp-dev libexpat1-dev libcli11-dev nlohmann-json3-dev \
-    libcairo2-dev pkg-config "$@"
+    libcairo2-dev libpng-dev pkg-config "$@"
 
 mkdir -p build
 log=build/$preset.log

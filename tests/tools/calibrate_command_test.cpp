@@ -248,7 +248,7 @@ TEST_F(CalibrateCommand, SaysInOneLineWhyThereIsNoCorrector) {
         {"screen", l, "", 2, "needs a second file"},
         {"flatness", l, l, 2, "takes one file"},
         {"screen", l, l, 2, "--max-order is", "1"},
-        {"screen", l, l, 2, "--pixel is", "", "0"},
+        {"screen", l, l, 2, "--pixel: is", "", "0"},
         {"flatness", l, "", 2, "needs --pixel", "", ""},
         {"telecentricity", l, l, 2, "needs --z-reference"},
         {"flatness", l, "", 2, "--z-reference Z does not go", "", "1", "4"},

@@ -275,7 +275,7 @@ TEST_F(Program, WritesResidualsAndPictures) {
               "index,x,y,residual\n1,0.0,0.0,-0.5\n2,1.0,1.0,0.5\n3,2.0,0.0,-0.5\n4,3.0,1.0,0.5\n");
     if (!is_picture_suffix(".svg")) {
         EXPECT_EQ(run("fit line " + f + " --plot " + path("p.svg")), 2);
-        EXPECT_EQ(err, "tvmath: --plot: this build makes no pictures\n");
+        EXPECT_TRUE(err.ends_with(": this build makes no pictures\n")) << err;
         return;
     }
     struct {

@@ -18,6 +18,11 @@ namespace {
 // Examples come first in every help: most readers look for a line to copy.
 char const* const examples =
     "Examples:\n"
+    "  tvmath measure plate.png --config plate.json --overlay seen.png\n"
+    "                                              the features of a part in an image, against their\n"
+    "                                              tolerances, and the image with them drawn in\n"
+    "  tvmath measure plate.png 'circle 80 320 240' --pixel 0.005 --tolerance 0.01\n"
+    "                                              a bore of about 80 pixels about (320, 240)\n"
     "  tvmath fit circle bore.csv --plot bore.svg  centre, radius, roundness, and a picture of them\n"
     "  tvmath fit line left.csv right.csv --json   two lines, for a program to read\n"
     "  tvmath fit arc edge.csv --tangent 0 0 9 0 --tolerance 0.02\n"
@@ -94,8 +99,8 @@ std::vector<std::string> words_of(int argc, char** argv) {
 
 exit_status run(int argc, char** argv) {
     CLI::App app(
-        "Fits geometric features, zones and corrections to measured points, constructs features from others, "
-        "draws shapes, and converts all of them.",
+        "Measures features in images, fits features, zones and corrections to measured points, constructs "
+        "features from others, draws shapes, and converts all of them.",
         "tvmath");
     app.set_version_flag("--version", std::string(version()), "Print the version of the library and exit");
     app.require_subcommand(1);
@@ -110,6 +115,7 @@ exit_status run(int argc, char** argv) {
     construct_request to_construct;
     calibrate_request to_calibrate;
     correct_request to_correct;
+    measure_request to_measure;
     add_fit(app, to_fit);
     CLI::App const* const zone = add_zone(app, to_zone);
     CLI::App const* const mesh = add_mesh(app, to_mesh);
@@ -119,6 +125,7 @@ exit_status run(int argc, char** argv) {
     CLI::App const* const construct = add_construct(app, to_construct);
     CLI::App const* const calibrate = add_calibrate(app, to_calibrate);
     CLI::App const* const correct = add_correct(app, to_correct);
+    CLI::App const* const measure = add_measure(app, to_measure);
     try {
         app.parse(words_of(argc, argv));
         if (std::count(to_fit.files.begin(), to_fit.files.end(), "-") + (to_fit.onto == "-") > 1 ||
@@ -142,6 +149,7 @@ exit_status run(int argc, char** argv) {
     if (show->parsed()) return run_show(to_show, std::cout, std::cerr);
     if (calibrate->parsed()) return run_calibrate(to_calibrate, std::cout, std::cerr);
     if (correct->parsed()) return run_correct(to_correct, std::cout, std::cerr);
+    if (measure->parsed()) return run_measure(to_measure, std::cout, std::cerr);
     return run_fit(to_fit, std::cout, std::cerr);
 }
 

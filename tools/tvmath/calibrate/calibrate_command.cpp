@@ -1,6 +1,5 @@
 #include "calibrate/calibrate_command.h"
 
-#include <filesystem>
 #include <ostream>
 
 #include "calibrate/calibrate_plot.h"
@@ -8,31 +7,16 @@
 #include "calibrate/calibrate_result.h"
 #include "files/file_output.h"
 #include "files/point_file.h"
-#include "plot/canvas.h"
+#include "plot/picture_file.h"
 
 inline namespace tvmath {
 namespace {
 
-std::string suffix_of(std::string const& name) {
-    return std::filesystem::path(name).extension().string();
-}
-
 bool check_output(calibrate_request const& request, std::string& reason) {
-    if (!request.plot.empty() && !is_picture_suffix(suffix_of(request.plot))) {
-        reason = is_picture_suffix(".svg")
-                     ? shown_name(request.plot) + ": the suffix must be .svg, .png or .pdf"
-                     : "this build makes no pictures";
-    } else if (request.output == "-" && request.json) {
-        reason = "-o - and --json both need standard output";
-    }
-    return reason.empty();
-}
-
-exit_status write_plot(std::string const& name, calibrate_result const& result, std::ostream& err) {
-    std::string const bytes = calibrate_plot(result, suffix_of(name));
-    if (!bytes.empty()) return write_file(name, bytes, err);
-    err << shown_name(name) << ": the picture cannot be made\n";
-    return exit_status::internal;
+    if (!check_picture_name(request.plot, reason)) return false;
+    if (request.output != "-" || !request.json) return true;
+    reason = "-o - and --json both need standard output";
+    return false;
 }
 
 }  // namespace
@@ -59,7 +43,7 @@ exit_status run_calibrate(calibrate_request const& request, std::ostream& out, s
         if (!request.output.empty()) status = write_file(request.output, text, err);
     }
     if (status != exit_status::done || request.plot.empty()) return status;
-    return write_plot(request.plot, result, err);
+    return write_picture(request.plot, calibrate_plot(result, suffix_of(request.plot)), err);
 }
 
 std::string calibrate_help() {

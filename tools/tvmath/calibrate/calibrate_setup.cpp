@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
-#include <sstream>
 
+#include "calibrate/screen_frame.h"
 #include "files/point_file.h"
-#include "record/record_file.h"
 #include "record/record_parameters.h"
 
 inline namespace tvmath {
@@ -80,23 +78,11 @@ bool read_height(char const* name, std::string const& text, std::optional<double
 }
 
 bool read_pixel(std::string const& text, std::optional<transform>& to_machine, std::string& reason) {
-    if (text.empty()) return true;
-    std::istringstream words(text);
     std::vector<double> sizes;
-    for (std::string word; words >> word;) {
-        double size = 0;
-        if (!parse_parameter(word, size, reason)) {
-            reason = "--pixel: " + reason;
-            return false;
-        }
-        sizes.push_back(size);
-    }
-    if (sizes.empty() || sizes.size() > 2 || std::count(sizes.begin(), sizes.end(), 0.0) > 0) {
-        reason = "--pixel is one or two numbers other than 0";
-        return false;
-    }
-    to_machine = transform::dilation(sizes.front(), sizes.back(), 1);
-    return true;
+    if (text.empty() || (parse_parameters(text, sizes, reason) && pixel_transform(sizes, to_machine, reason)))
+        return true;
+    reason = "--pixel: " + reason;
+    return false;
 }
 
 bool read_whole(std::string const& text, unsigned int least, unsigned int most, unsigned int& value) {
@@ -123,26 +109,6 @@ bool read_sizes(calibrate_request const& request, calibrate_setup& setup, std::s
     return false;
 }
 
-exit_status read_transform(std::string const& name, std::optional<transform>& to_machine,
-                           std::string& reason) {
-    // XML keeps no scale of a transform.
-    file_form form = file_form::text;
-    if (name != "-" && (!find_form("", name, form, reason) || form != file_form::text)) {
-        reason = "tvmath: --transform takes a transform as text, from a file .txt";
-        return exit_status::wrong_usage;
-    }
-    std::shared_ptr<Geometry_Description> record;
-    exit_status const status = read_record(name, form, Transform_Description::type_value, record, reason);
-    if (status != exit_status::done) return status;
-    to_machine = dynamic_cast<Transform_Description const&>(*record).geometry;
-    to_machine->promote3d();
-    double const a = to_machine->basis(1).x() * to_machine->basis(2).y(),
-                 b = to_machine->basis(1).y() * to_machine->basis(2).x();
-    if (a != b) return exit_status::done;
-    reason = shown_name(name) + ": leads the screen to a line or a point of the machine";
-    return exit_status::unreadable_input;
-}
-
 exit_status read_files(calibrate_request const& request, calibrate_setup& setup, std::string& reason) {
     setup.measured_file = request.measured;
     setup.nominal_file = request.nominal;
@@ -152,16 +118,7 @@ exit_status read_files(calibrate_request const& request, calibrate_setup& setup,
     if (status == exit_status::done && !request.transform_file.empty())
         status = read_transform(request.transform_file, setup.to_machine, reason);
     if (status != exit_status::done || request.screen.empty()) return status;
-    any_corrector corrector;
-    status = read_corrector_file(request.screen, corrector, reason);
-    if (status != exit_status::done) return status;
-    if (auto const* const screen = std::get_if<screen_corrector>(&corrector)) {
-        setup.screen = *screen;
-        return exit_status::done;
-    }
-    reason = shown_name(request.screen) + ": holds a " + corrector_name(kind_of(corrector)) +
-             " corrector; --screen takes one of the screen";
-    return exit_status::unreadable_input;
+    return read_corrector_file(request.screen, setup.screen, reason);
 }
 
 }  // namespace

@@ -136,6 +136,11 @@ std::string corrector_text(any_corrector const& corrector) {
     return std::string(corrector_name(kind_of(corrector))) + ' ' + to_utf8(text) + '\n';
 }
 
+std::string corrector_mismatch(std::string const& name, corrector_kind kind, corrector_kind wanted) {
+    return shown_name(name) + ": holds a " + corrector_name(kind) + " corrector where a " +
+           corrector_name(wanted) + " corrector is wanted";
+}
+
 bool read_corrector_text(std::string text, any_corrector& corrector, std::string& reason) {
     for (char& c : text) {
         if (c == '\n' || c == '\r' || c == '\t') c = ' ';

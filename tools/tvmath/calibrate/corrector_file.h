@@ -27,6 +27,9 @@ bool find_corrector_kind(std::string const& word, corrector_kind& kind);
 /// The word for its kind and its text form with all digits, on one line.
 std::string corrector_text(any_corrector const& corrector);
 
+/// Why a file of the first kind does not serve where one of the second is wanted.
+std::string corrector_mismatch(std::string const& name, corrector_kind kind, corrector_kind wanted);
+
 /// Reads that text. Without the word the kind follows from the shape: only a screen's has two lists of
 /// coefficients, a flatness's one, a telecentricity's none. Returns true and sets `corrector`; returns false
 /// and says in one line why for a text that is not, to its last number, that of a corrector which does
@@ -35,5 +38,20 @@ bool read_corrector_text(std::string text, any_corrector& corrector, std::string
 
 /// The same for the file of that name, or for standard input when it is "-". `reason` begins with the name.
 exit_status read_corrector_file(std::string const& name, any_corrector& corrector, std::string& reason);
+
+/// The same for a file that holds one of that kind; `unreadable_input` for another.
+template <class corrector_type>
+exit_status read_corrector_file(std::string const& name, corrector_type& corrector, std::string& reason) {
+    any_corrector any;
+    exit_status const status = read_corrector_file(name, any, reason);
+    if (status != exit_status::done) return status;
+    auto const* const wanted = std::get_if<corrector_type>(&any);
+    if (wanted) {
+        corrector = *wanted;
+        return status;
+    }
+    reason = corrector_mismatch(name, kind_of(any), kind_of(corrector_type()));
+    return exit_status::unreadable_input;
+}
 
 }  // namespace tvmath

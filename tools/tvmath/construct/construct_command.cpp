@@ -1,7 +1,6 @@
 #include "construct/construct_command.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <ostream>
 #include <sstream>
 
@@ -12,15 +11,11 @@
 #include "files/file_output.h"
 #include "files/point_file.h"
 #include "fit/fit_record.h"
-#include "plot/canvas.h"
+#include "plot/picture_file.h"
 #include "record/record_parameters.h"
 
 inline namespace tvmath {
 namespace {
-
-std::string suffix_of(std::string const& name) {
-    return std::filesystem::path(name).extension().string();
-}
 
 // The part of the request that is the same as that of a fit.
 fit_request record_request(construct_request const& request) {
@@ -29,13 +24,6 @@ fit_request record_request(construct_request const& request) {
     wanted.record_file = request.record_file;
     wanted.json = request.json;
     return wanted;
-}
-
-bool check_picture(std::string const& name, std::string& reason) {
-    if (name.empty() || is_picture_suffix(suffix_of(name))) return true;
-    reason = shown_name(name) + (is_picture_suffix(".svg") ? ": the suffix must be .svg, .png or .pdf"
-                                                           : ": this build makes no pictures");
-    return false;
 }
 
 bool read_view(std::vector<std::string> const& words, std::optional<transform>& view, std::string& reason) {
@@ -51,7 +39,7 @@ bool read_view(std::vector<std::string> const& words, std::optional<transform>& 
 }
 
 bool check(construct_request const& request, std::optional<transform>& view, std::string& reason) {
-    if (!check_picture(request.plot, reason) || !check_picture(request.sheet, reason)) return false;
+    if (!check_picture_name(request.plot, reason) || !check_picture_name(request.sheet, reason)) return false;
     if (!check_record_options(record_request(request), true, reason)) return false;
     if (!read_view(request.view, view, reason)) return false;
     bool const is_sheet = request.what == "sheet";
@@ -66,12 +54,6 @@ bool check(construct_request const& request, std::optional<transform>& view, std
         reason = "--choose and --update both choose; give one of them";
     }
     return reason.empty();
-}
-
-exit_status write_picture(std::string const& name, std::string const& bytes, std::ostream& err) {
-    if (!bytes.empty()) return write_file(name, bytes, err);
-    err << shown_name(name) << ": the picture cannot be made\n";
-    return exit_status::internal;
 }
 
 exit_status write_results(construct_request const& request, std::optional<transform> const& view,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <sstream>
 
 #include "files/point_file.h"
 #include "record/record_file.h"
@@ -119,7 +118,7 @@ exit_status read_from_file(std::string const& file, std::string const& form, uns
 
 exit_status make_from_words(std::vector<std::string> words, std::shared_ptr<Geometry_Description>& record,
                             std::string& reason) {
-    std::string const kind = words.front() == "line" ? "segment" : words.front();
+    std::string const kind = words.front();
     words.erase(words.begin());
     std::unique_ptr<Geometry_Description> made;
     if (!make_record(kind, words, made, reason)) return exit_status::wrong_usage;
@@ -130,10 +129,7 @@ exit_status make_from_words(std::vector<std::string> words, std::shared_ptr<Geom
 // A kind with its numbers, a kind with a file, or a file, whose name may have blanks too.
 exit_status read_any(std::string const& text, std::string const& form,
                      std::shared_ptr<Geometry_Description>& record, std::string& reason) {
-    std::string spaced = text;
-    std::replace(spaced.begin(), spaced.end(), ',', ' ');
-    std::istringstream in(spaced);
-    std::vector<std::string> const words{std::istream_iterator<std::string>(in), {}};
+    std::vector<std::string> const words = split_words(text);
     unsigned long long const type = words.empty() ? 0 : record_type(words.front());
     bool const has_numbers = words.size() > 1 && is_number(words[1]);
     file_form found = file_form::text;

@@ -1,6 +1,5 @@
 #include "fit_command.h"
 
-#include <filesystem>
 #include <ostream>
 
 #include "files/file_output.h"
@@ -9,14 +8,11 @@
 #include "fit_record.h"
 #include "fit_report.h"
 #include "fit_result.h"
+#include "plot/picture_file.h"
 #include "report/number_text.h"
 
 inline namespace tvmath {
 namespace {
-
-std::string suffix_of(std::string const& name) {
-    return std::filesystem::path(name).extension().string();
-}
 
 // What can be wrong with a request before any file is read.
 exit_status check(fit_request const& request, fit_kind const* kind, char const* command,
@@ -38,12 +34,7 @@ exit_status check(fit_request const& request, fit_kind const* kind, char const* 
         return exit_status::wrong_usage;
     }
     if (!check_record_options(request, single, reason)) return exit_status::wrong_usage;
-    if (!request.plot.empty() && !is_picture_suffix(suffix_of(request.plot))) {
-        reason = is_picture_suffix(".svg") ? "--plot: the suffix must be .svg, .png or .pdf"
-                                           : "--plot: this build makes no pictures";
-        return exit_status::wrong_usage;
-    }
-    return exit_status::done;
+    return check_picture_name(request.plot, reason) ? exit_status::done : exit_status::wrong_usage;
 }
 
 // The work on the files of one request.
@@ -130,12 +121,7 @@ private:
         note(write_fitted_record(request_, *result.feature, out_, err_));
         if (!request_.residuals.empty()) note(write_file(request_.residuals, residual_table(result), err_));
         if (request_.plot.empty()) return;
-        std::string const bytes = fit_plot(result, suffix_of(request_.plot));
-        if (bytes.empty()) {
-            err_ << shown_name(request_.plot) << ": the picture cannot be made\n";
-            return note(exit_status::internal);
-        }
-        note(write_file(request_.plot, bytes, err_));
+        note(write_picture(request_.plot, fit_plot(result, suffix_of(request_.plot)), err_));
     }
 
     fit_request const& request_;

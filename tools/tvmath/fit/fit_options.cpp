@@ -61,17 +61,6 @@ unsigned given_options(fit_request const& request) {
     return given;
 }
 
-std::vector<std::string> split(std::string text) {
-    std::replace(text.begin(), text.end(), ',', ' ');
-    std::vector<std::string> words;
-    for (std::size_t from = 0; (from = text.find_first_not_of(" \t", from)) != std::string::npos;) {
-        std::size_t const to = std::min(text.find_first_of(" \t", from), text.size());
-        words.push_back(text.substr(from, to - from));
-        from = to;
-    }
-    return words;
-}
-
 std::string counts_text(std::vector<std::size_t> const& counts) {
     std::string text = std::to_string(counts.front());
     for (std::size_t i = 1; i < counts.size(); ++i) text += " or " + std::to_string(counts[i]);
@@ -89,7 +78,7 @@ public:
     numbers read(char const* option, std::string const& text, std::vector<std::size_t> const& counts) {
         numbers values;
         std::string reason;
-        for (std::string const& word : split(text)) {
+        for (std::string const& word : split_words(text)) {
             double value = 0;
             if (!parse_parameter(word, value, reason)) {
                 fail(std::string("--") + option + ": " + reason);
@@ -144,21 +133,30 @@ void read_nominal(fit_request const& request, fit_kind const& kind, fit_conditio
                   condition_reader& reader) {
     if (request.nominal.size() > 1 && !kind.takes_all_files) reader.fail("--nominal is taken once");
     for (std::string const& text : request.nominal) {
-        std::vector<std::string> words = split(text);
-        std::string const name = words.empty() ? "" : words.front();
-        if (!words.empty()) words.erase(words.begin());
-        std::unique_ptr<Geometry_Description> record;
         std::string reason;
-        if (!make_record(name, words, record, reason)) return reader.fail("--nominal: " + reason);
-        if (!kind.takes_all_files && record->type() != kind.record) {
-            return reader.fail("--nominal: a " + name + " is not the nominal feature of " + kind.named());
-        }
-        known.nominal.emplace_back(std::move(record));
+        std::shared_ptr<Geometry_Description const> record;
+        if (!make_nominal(text, kind, record, reason)) return reader.fail("--nominal: " + reason);
+        known.nominal.push_back(record);
         known.words.push_back("nominal " + shown_name(text));
     }
 }
 
 }  // namespace
+
+bool make_nominal(std::string const& words, fit_kind const& kind,
+                  std::shared_ptr<Geometry_Description const>& nominal, std::string& reason) {
+    std::vector<std::string> parameters = split_words(words);
+    std::string const name = parameters.empty() ? "" : parameters.front();
+    if (!parameters.empty()) parameters.erase(parameters.begin());
+    std::unique_ptr<Geometry_Description> record;
+    if (!make_record(name, parameters, record, reason)) return false;
+    if (!kind.takes_all_files && record->type() != kind.record) {
+        reason = "a " + name + " is not the nominal feature of " + kind.named();
+        return false;
+    }
+    nominal = std::move(record);
+    return true;
+}
 
 std::string option_names(unsigned options) {
     std::string text;

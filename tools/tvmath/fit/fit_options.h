@@ -70,6 +70,11 @@ struct fit_conditions {
 bool read_conditions(fit_request const& request, fit_kind const& kind, fit_conditions& known,
                      std::string& reason);
 
+/// Makes the nominal feature of a kind from its words, "circle 4 0 0". False, with the reason, for another
+/// kind.
+bool make_nominal(std::string const& words, fit_kind const& kind,
+                  std::shared_ptr<Geometry_Description const>& nominal, std::string& reason);
+
 /// The options of a kind, as they are typed: "--center, --quick".
 std::string option_names(unsigned options);
 

@@ -9,6 +9,7 @@ inline namespace tvmath {
 namespace {
 
 constexpr double widest_window = 16, narrowest_window = 5;
+constexpr double reach_in_radius = 0.75;  // a bent window ends before the centre
 
 point unit(double angle) {
     return point(false, std::cos(angle), std::sin(angle));
@@ -17,6 +18,11 @@ point unit(double angle) {
 // A quarter turn from +x towards +y.
 point turned(point const& direction) {
     return point(false, -direction.y(), direction.x());
+}
+
+point direction_of(point p) {
+    p.to_direction();
+    return p.normalize();
 }
 
 class station_list {
@@ -29,11 +35,11 @@ public:
         add_side(r.geometry.basis(0), r.geometry.basis(1), turned(r.geometry.direction()), 0, 5);
     }
     void list(Circle_Description const& r) {
-        add_round(r.geometry.basis(0), r.geometry.radius(), 0, 2 * pi, 0, 12);
+        add_round(r.geometry.basis(0), r.geometry.radius(), 0, 2 * pi, 8);
     }
     void list(Arc_Description const& r) {
         double const start = r.circle.basis(1).angle2d() - r.included_angle / 2;
-        add_round(r.circle.basis(0), r.circle.radius(), start, r.included_angle, 0, 6);
+        add_round(r.circle.basis(0), r.circle.radius(), start, r.included_angle, 6);
     }
     void list(Rectangle_Description const& r) {
         point const c = r.geometry.basis(0), u = r.geometry.basis(1), v = r.geometry.basis(2);
@@ -47,18 +53,13 @@ public:
         double const radius = r.geometry.semiminor(), straight = r.geometry.semimajor() - radius;
         point const c = r.geometry.basis(0), u = direction_of(r.geometry.basis(1)), v = turned(u);
         double const angle = u.angle2d();
-        add_round(c + u * straight, radius, angle - pi / 2, pi, 0, 5);
+        add_round(c + u * straight, radius, angle - pi / 2, pi, 5);
         if (straight > 0) add_side(c + v * radius, u * -straight, v, settings_.search / 2, 3);
-        add_round(c - u * straight, radius, angle + pi / 2, pi, 0, 5);
+        add_round(c - u * straight, radius, angle + pi / 2, pi, 5);
         if (straight > 0) add_side(c - v * radius, u * straight, -v, settings_.search / 2, 3);
     }
 
 private:
-    static point direction_of(point p) {
-        p.to_direction();
-        return p.normalize();
-    }
-
     // As many windows as the spacing asks for on a piece of that length.
     int count_on(double length, int least) const {
         return static_cast<int>(std::max<double>(least, std::round(length / settings_.spacing)));
@@ -75,18 +76,17 @@ private:
         for (int i = 0; i < count; ++i) {
             double const share = (2 * i + 1.0) / count - 1;
             windows.push_back({middle + half * (share * length / whole), normal, width_on(length, count),
-                               settings_.search});
+                               settings_.search, 0, 0});
         }
     }
 
-    void add_round(point const& center, double radius, double start, double sweep, double margin, int least) {
-        double const length = std::fabs(sweep) * radius - 2 * margin;
+    void add_round(point const& center, double radius, double start, double sweep, int least) {
+        double const length = std::fabs(sweep) * radius;
         int const count = count_on(length, least);
-        // A window much wider than half the radius sees no edge along its rows.
-        double const width = std::max(narrowest_window, std::min(width_on(length, count), 0.7 * radius));
         for (int i = 0; i < count; ++i) {
             point const normal = unit(start + sweep * (i + 0.5) / count);
-            windows.push_back({center + normal * radius, normal, width, settings_.search});
+            windows.push_back({center + normal * radius, normal, width_on(length, count),
+                               std::min(settings_.search, reach_in_radius * radius), 0, 1 / radius});
         }
     }
 
@@ -111,7 +111,7 @@ std::vector<edge_window> edge_stations(measure_tool const& tool, image const& sc
         point const normal =
             tool.angle ? unit(*tool.angle) : normal_in(scene, p->position, tool.edges.search);
         if (normal.is_trivial()) return {};
-        return {{p->position, normal, std::min(tool.edges.spacing, widest_window), tool.edges.search}};
+        return {{p->position, normal, widest_window, tool.edges.search, 0, 0}};
     }
     if (auto const* s = dynamic_cast<Segment_Description const*>(&r)) stations.list(*s);
     if (auto const* c = dynamic_cast<Circle_Description const*>(&r)) stations.list(*c);
@@ -121,35 +121,42 @@ std::vector<edge_window> edge_stations(measure_tool const& tool, image const& sc
     return stations.windows;
 }
 
-point outward_normal(Geometry_Description const& feature, point const& place, point const& normal) {
-    auto const along = [&normal](point axis) {
-        axis.to_direction();
-        axis.normalize();
-        return dot2d(axis, normal) < 0 ? -axis : axis;
+edge_window aligned_window(Geometry_Description const& feature, point const& edge, edge_window window) {
+    window.place = edge;
+    // The axis, on the side of the window's normal.
+    auto const lie_along = [&window](point const& axis) {
+        point const d = direction_of(axis);
+        window.normal = dot2d(d, window.normal) < 0 ? -d : d;
+        window.bend = 0;
     };
-    auto const away_from = [&](point const& center) {
-        point const way = place - center;
-        return way.length2d() > 0 ? way / way.length2d() : normal;
+    auto const lie_about = [&](point const& center) {
+        point const way = edge - center;
+        if (!(way.length2d() > 0)) return;
+        window.normal = direction_of(way);
+        window.bend = 1 / way.length2d();
+        window.reach = std::min(window.reach, reach_in_radius * way.length2d());
     };
-    if (auto const* s = dynamic_cast<Segment_Description const*>(&feature))
-        return along(turned(s->geometry.basis(1)));
-    if (auto const* c = dynamic_cast<Circle_Description const*>(&feature))
-        return away_from(c->geometry.basis(0));
-    if (auto const* a = dynamic_cast<Arc_Description const*>(&feature)) return away_from(a->circle.basis(0));
-    if (auto const* r = dynamic_cast<Rectangle_Description const*>(&feature)) {
-        point const u = along(r->geometry.basis(1)), v = along(r->geometry.basis(2));
-        return dot2d(u, normal) > dot2d(v, normal) ? u : v;
-    }
-    if (auto const* o = dynamic_cast<Slot_Description const*>(&feature)) {
-        point u = o->geometry.basis(1);
-        u.to_direction();
-        u.normalize();
+    if (auto const* s = dynamic_cast<Segment_Description const*>(&feature)) {
+        lie_along(turned(s->geometry.basis(1)));
+    } else if (auto const* c = dynamic_cast<Circle_Description const*>(&feature)) {
+        lie_about(c->geometry.basis(0));
+    } else if (auto const* a = dynamic_cast<Arc_Description const*>(&feature)) {
+        lie_about(a->circle.basis(0));
+    } else if (auto const* r = dynamic_cast<Rectangle_Description const*>(&feature)) {
+        point const u = direction_of(r->geometry.basis(1)), v = direction_of(r->geometry.basis(2));
+        bool const is_end = std::fabs(dot2d(u, window.normal)) > std::fabs(dot2d(v, window.normal));
+        lie_along(is_end ? u : v);
+    } else if (auto const* o = dynamic_cast<Slot_Description const*>(&feature)) {
+        point const u = direction_of(o->geometry.basis(1));
         double const straight = o->geometry.semimajor() - o->geometry.semiminor();
-        double const x = dot2d(place - o->geometry.basis(0), u);
-        if (std::fabs(x) <= straight) return along(turned(u));
-        return away_from(o->geometry.basis(0) + u * std::copysign(straight, x));
+        double const x = dot2d(edge - o->geometry.basis(0), u);
+        if (std::fabs(x) <= straight) {
+            lie_along(turned(u));
+        } else {
+            lie_about(o->geometry.basis(0) + u * std::copysign(straight, x));
+        }
     }
-    return normal;
+    return window;
 }
 
 }  // namespace tvmath

@@ -13,8 +13,8 @@ inline namespace tvmath {
 /// none. Empty for a kind that has no outline in an image, and for a point without any edge about it.
 std::vector<edge_window> edge_stations(measure_tool const& tool, image const& scene);
 
-/// The outward normal of a feature in the plane at a place near its outline; `normal`, the one from which it
-/// was found, tells the side of a line and the side of a rectangle.
-point outward_normal(Geometry_Description const& feature, point const& place, point const& normal);
+/// The window moved to an edge that it found near the outline of a feature, across and bent as the feature is
+/// there. The window tells the side of a line and of a rectangle.
+edge_window aligned_window(Geometry_Description const& feature, point const& edge, edge_window window);
 
 }  // namespace tvmath

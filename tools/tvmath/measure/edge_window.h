@@ -17,12 +17,16 @@ struct edge_window {
     /// that depends on where the edge lies between the rows, as the slanted edge does in ISO 12233: what is
     /// left is a tenth of it.
     double climb = 0;
+    /// Curvature of the edge, positive where its centre is inside. The window is bent with it, because the
+    /// edge strength is a mean over several columns.
+    double bend = 0;
 };
 
 /// An edge in a window.
 struct found_edge {
     point place;          ///< on the middle column, in the plane of the image
     double contrast = 0;  ///< change of the grey along the normal
+    double bend = 0;      ///< curvature of the edge beyond that of the window
 };
 
 /// Finds the strongest edge of that sense and contrast to a fraction of a pixel. False, `found` untouched,

@@ -1,8 +1,8 @@
 #include "measure/measure_checks.h"
 
-#include <algorithm>
 #include <cmath>
 
+#include "report/figure_json.h"
 #include "tvmath/scalar.h"
 
 inline namespace tvmath {
@@ -26,19 +26,13 @@ double value_of(tolerance_limit const& limit, fit_result const& fit) {
     if (limit.figure == "standard_deviation") return fit.standard_deviation.value_or(std::nan(""));
     if (fit.nominal) {
         for (figure const& d : fit.nominal->deviations) {
-            if (limit_name(d) == limit.figure) return size_of(d);
+            if (figure_key(d) == limit.figure) return size_of(d);
         }
     }
     return std::nan("");
 }
 
 }  // namespace
-
-std::string limit_name(figure const& f) {
-    std::string name = f.label;
-    std::replace(name.begin(), name.end(), ' ', '_');
-    return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle ? name + "_deg" : name;
-}
 
 std::vector<tolerance_check> check_limits(measure_tool const& tool, fit_result const& fit) {
     std::vector<tolerance_check> checks;

@@ -9,7 +9,4 @@ inline namespace tvmath {
 /// The limits of the tool and how the fit stands to them, in their order.
 std::vector<tolerance_check> check_limits(measure_tool const& tool, fit_result const& fit);
 
-/// The name of a figure in jobs and documents: its label with `_` for blanks, and `_deg` behind an angle.
-std::string limit_name(figure const& f);
-
 }  // namespace tvmath

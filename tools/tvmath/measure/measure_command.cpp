@@ -1,6 +1,5 @@
 #include "measure/measure_command.h"
 
-#include <filesystem>
 #include <ostream>
 
 #include "files/file_output.h"
@@ -9,24 +8,17 @@
 #include "measure/measure_overlay.h"
 #include "measure/measure_progress.h"
 #include "measure/measure_report.h"
-#include "plot/canvas.h"
+#include "plot/picture_file.h"
 
 inline namespace tvmath {
 namespace {
 
-std::string suffix_of(std::string const& name) {
-    return std::filesystem::path(name).extension().string();
-}
-
 // What can be wrong with a request before any file is read.
 bool check(measure_request const& request, std::string& reason) {
-    if (!request.plot.empty() && !is_picture_suffix(suffix_of(request.plot))) {
-        reason = is_picture_suffix(".svg") ? "--plot: the suffix must be .svg, .png or .pdf"
-                                           : "--plot: this build makes no pictures";
-    } else if (!request.overlay.empty() && suffix_of(request.overlay) != ".png") {
-        reason = "--overlay: the suffix must be .png";
-    }
-    return reason.empty();
+    if (!check_picture_name(request.plot, reason)) return false;
+    if (request.overlay.empty() || suffix_of(request.overlay) == ".png") return true;
+    reason = shown_name(request.overlay) + ": the suffix must be .png";
+    return false;
 }
 
 // A screen correction belongs to the size of its screen.
@@ -43,10 +35,11 @@ exit_status status_of(measured_tool const& tool) {
     return tool.passed() ? exit_status::done : exit_status::out_of_tolerance;
 }
 
-exit_status write_picture(std::string const& name, std::string const& bytes, std::ostream& err) {
-    if (!bytes.empty()) return write_file(name, bytes, err);
-    err << shown_name(name) << ": the picture cannot be made\n";
-    return exit_status::internal;
+exit_status write_centers(std::string const& name, measure_report const& report, std::ostream& err) {
+    std::string table, reason;
+    if (center_table(report, table, reason)) return write_file(name, table, err);
+    err << shown_name(name) << ": " << reason << '\n';
+    return exit_status::no_answer;
 }
 
 exit_status write_files(measure_request const& request, image const& scene, measure_frame const& frame,
@@ -55,6 +48,7 @@ exit_status write_files(measure_request const& request, image const& scene, meas
     if (!request.points.empty()) status = worse(status, write_file(request.points, edge_table(report), err));
     if (!request.records.empty())
         status = worse(status, write_file(request.records, record_table(report), err));
+    if (!request.centers.empty()) status = worse(status, write_centers(request.centers, report, err));
     if (!request.overlay.empty())
         status = worse(status, write_picture(request.overlay, overlay_png(scene, frame, report), err));
     if (!request.plot.empty()) {

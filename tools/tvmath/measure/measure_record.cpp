@@ -34,6 +34,22 @@ std::string record_table(measure_report const& report) {
     return text;
 }
 
+bool center_table(measure_report const& report, std::string& table, std::string& reason) {
+    std::string text = report.job->z ? "x,y,z\n" : "x,y\n";
+    for (measured_tool const& tool : report.tools) {
+        if (!tool.fit) {
+            reason = "no rows are written, since '" + one_line(tool.tool->name) + "' was not found";
+            return false;
+        }
+        // The first figure of every kind that can be measured is its place.
+        std::vector<double> const& place = tool.fit->figures.front().values;
+        for (std::size_t i = 0; i < place.size(); ++i) text += (i > 0 ? "," : "") + number_text(place[i]);
+        text += '\n';
+    }
+    table = text;
+    return true;
+}
+
 std::string edge_table(measure_report const& report) {
     bool const in_space = report.job->z.has_value();
     std::string text = in_space ? "tool,index,image_x,image_y,x,y,z,residual,contrast,kept\n"

@@ -25,6 +25,11 @@ std::vector<point> places_of(std::vector<found_edge> const& edges) {
     return places;
 }
 
+// The curvature of an edge of which nothing else is known; none where the window could not follow.
+double bend_of(found_edge const& edge, double reach) {
+    return std::fabs(edge.bend) * 2 * reach < 1 ? edge.bend : 0.0;
+}
+
 // The work on one tool.
 class tool_run {
 public:
@@ -75,10 +80,9 @@ private:
             return fail(reason);
         std::vector<found_edge> fine;
         for (std::size_t i = 0; i < edges_.size(); ++i) {
-            edge_window w = windows_[i];
-            w.normal = outward_normal(*rough.record, edges_[i].place, w.normal);
-            w.place = edges_[i].place;
+            edge_window w = aligned_window(*rough.record, edges_[i].place, windows_[i]);
             w.reach = std::min(w.reach, fine_reach);
+            if (tool_.kind->record == Point_Description::type_value) w.bend = bend_of(edges_[i], w.reach);
             w.climb = fine_climb * std::min(1.0, w.width / 16);
             found_edge e;
             if (find_edge(scene_, w, tool_.edges, e)) fine.push_back(e);

@@ -7,6 +7,7 @@
 
 #include "fit/fit_report.h"
 #include "measure/measure_checks.h"
+#include "report/figure_json.h"
 #include "report/number_text.h"
 
 inline namespace tvmath {
@@ -102,7 +103,7 @@ private:
 
     void add_figure(figure const& f) {
         figure const* const deviation = fit_.nominal ? find(fit_.nominal->deviations, f.label) : nullptr;
-        tolerance_check const* const check = find_check(limit_name(deviation ? *deviation : f));
+        tolerance_check const* const check = find_check(figure_key(deviation ? *deviation : f));
         if (!check && is_left_out(fit_.kind->name, f.label)) return;
         put(f, column_measured);
         if (figure const* const n = find(nominal_, f.label)) put(*n, column_nominal);

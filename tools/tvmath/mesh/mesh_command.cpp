@@ -1,22 +1,17 @@
 #include "mesh_command.h"
 
-#include <filesystem>
 #include <ostream>
 
-#include "files/file_output.h"
 #include "files/point_file.h"
 #include "mesh_plot.h"
 #include "mesh_result.h"
 #include "plot/canvas.h"
+#include "plot/picture_file.h"
 #include "report/json_text.h"
 #include "report/number_text.h"
 
 inline namespace tvmath {
 namespace {
-
-std::string suffix_of(std::string const& output) {
-    return output == "-" ? ".csv" : std::filesystem::path(output).extension().string();
-}
 
 std::string triangle_table(mesh_result const& mesh) {
     std::string text = "triangle,a,b,c\n";
@@ -87,13 +82,9 @@ exit_status run_mesh(mesh_request const& request, std::ostream& out, std::ostrea
     }
     request.json ? write_json(out, mesh) : write_text(out, mesh);
     if (request.output.empty()) return exit_status::done;
-    std::string const suffix = suffix_of(request.output),
-                      bytes = suffix == ".csv" ? triangle_table(mesh) : mesh_plot(mesh, suffix);
-    if (bytes.empty()) {
-        err << shown_name(request.output) << ": the picture cannot be made\n";
-        return exit_status::internal;
-    }
-    return write_file(request.output, bytes, err);
+    std::string const suffix = suffix_of(request.output);
+    return write_picture(request.output, suffix == ".csv" ? triangle_table(mesh) : mesh_plot(mesh, suffix),
+                         err);
 }
 
 }  // namespace tvmath

@@ -78,6 +78,12 @@ struct text_style {
     bool vertical = false;  ///< Runs upward.
 };
 
+/// A photograph: 8-bit grey from black to white, row by row from the top.
+struct grey_picture {
+    unsigned int width = 0, height = 0;
+    std::vector<unsigned char> grey;  ///< width height of them
+};
+
 /// A picture in the making: the same calls give SVG, PNG and PDF.
 class canvas {
 public:
@@ -87,6 +93,8 @@ public:
     virtual void fill(canvas_path const& path, color ink) = 0;
     /// Round dots of the same size.
     virtual void dots(std::vector<spot> const& at, double radius, color ink) = 0;
+    /// Lays the photograph into the rectangle. Pixels that become large on the page stay squares.
+    virtual void photograph(grey_picture const& picture, spot corner, double width, double height) = 0;
     virtual void text(spot at, std::string const& words, text_style const& style) = 0;
     virtual double text_width(std::string const& words, text_style const& style) = 0;
     /// What follows, until `end_clip`, is drawn within this rectangle only.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
+#include <sstream>
 
 #include "files/point_file.h"
 #include "tvmath/distance.h"
@@ -223,12 +225,26 @@ record_rule const rules[] = {
     {{"text", "X Y [ANGLE [SX [SY]]]"}, one_of<2, 3, 4, 5>, with_placement<Text_Description>},
 };
 
+bool parse_words(std::vector<std::string> const& words, numbers& values, std::string& reason) {
+    values.assign(words.size(), 0);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!parse_parameter(words[i], values[i], reason)) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 std::vector<record_form> record_forms() {
     std::vector<record_form> forms;
     for (record_rule const& rule : rules) forms.push_back(rule.form);
     return forms;
+}
+
+std::vector<std::string> split_words(std::string text) {
+    std::replace(text.begin(), text.end(), ',', ' ');
+    std::istringstream in(text);
+    return {std::istream_iterator<std::string>(in), {}};
 }
 
 bool parse_parameter(std::string const& text, double& value, std::string& reason) {
@@ -246,18 +262,21 @@ bool parse_parameter(std::string const& text, double& value, std::string& reason
     return true;
 }
 
+bool parse_parameters(std::string const& text, std::vector<double>& values, std::string& reason) {
+    return parse_words(split_words(text), values, reason);
+}
+
 bool make_record(std::string const& kind, std::vector<std::string> const& parameters,
                  std::unique_ptr<Geometry_Description>& record, std::string& reason) {
-    auto const rule = std::find_if(std::begin(rules), std::end(rules),
-                                   [&kind](record_rule const& r) { return kind == r.form.kind; });
+    auto const rule = std::find_if(std::begin(rules), std::end(rules), [&kind](record_rule const& r) {
+        return (kind == "line" ? "segment" : kind) == r.form.kind;
+    });
     if (rule == std::end(rules)) {
         reason = "there is no kind '" + shown_name(kind) + "'";
         return false;
     }
-    numbers values(parameters.size());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        if (!parse_parameter(parameters[i], values[i], reason)) return false;
-    }
+    numbers values;
+    if (!parse_words(parameters, values, reason)) return false;
     made_record made = rule->takes(values.size()) ? rule->make(values) : nullptr;
     if (!made) {
         reason = kind + " takes " + rule->form.parameters + "; these are " + std::to_string(values.size()) +

@@ -17,7 +17,11 @@ struct record_form {
 /// All kinds, in the order of the help.
 std::vector<record_form> record_forms();
 
-/// Makes a record from its kind and its parameters in the order of `record_forms`. A number is decimal; "deg"
+/// The words of a text, which blanks or commas part.
+std::vector<std::string> split_words(std::string text);
+
+/// Makes a record from its kind ("line" is a segment) and its parameters in the order of `record_forms`. A
+/// number is decimal; "deg"
 /// behind it makes radians of degrees. Returns true and sets `record`; returns false and says in one line
 /// why.
 bool make_record(std::string const& kind, std::vector<std::string> const& parameters,
@@ -25,5 +29,7 @@ bool make_record(std::string const& kind, std::vector<std::string> const& parame
 
 /// Reads one finite number, as above.
 bool parse_parameter(std::string const& text, double& value, std::string& reason);
+/// The same for the words of a text.
+bool parse_parameters(std::string const& text, std::vector<double>& values, std::string& reason);
 
 }  // namespace tvmath

@@ -22,7 +22,15 @@ json_value rows(figure const& f) {
     return list;
 }
 
+bool is_angle(figure const& f) {
+    return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
+}
+
 }  // namespace
+
+std::string figure_key(figure const& f) {
+    return key_of(f.label) + (is_angle(f) ? "_deg" : "");
+}
 
 json_value figures_object(std::vector<figure> const& figures) {
     json_value object = json_value::object();
@@ -38,7 +46,7 @@ json_value figures_object(std::vector<figure> const& figures) {
             case figure_kind::angle:
             case figure_kind::axis_angle:
                 object[key] = f.values[0];
-                object[key + "_deg"] = f.values[0] * (180 / pi);
+                object[figure_key(f)] = f.values[0] * (180 / pi);
                 break;
             default:
                 object[key] = f.values.size() == 1 ? json_value(f.values[0]) : json_value(f.values);
