@@ -95,11 +95,11 @@ public:
         for (drawn_feature const& f : drawing_.features) avoid(f);
         std::size_t failing = 0;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state != verdict::good && failing++ < most_failing_names) name(f);
+            if (f.state != verdict::good && failing++ < most_failing_names) name(f, only_failing);
         }
         if (only_failing) return;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state == verdict::good) name(f);
+            if (f.state == verdict::good) name(f, false);
         }
     }
 
@@ -175,7 +175,8 @@ private:
                 }
             }
         }
-        c_.dots(kept, 0.45, {1, 1, 1});
+        c_.dots(kept, 1.2, feature_ink);
+        c_.dots(kept, 0.5, {1, 1, 1});
         c_.stroke(dropped, {casing, 3});
         c_.stroke(dropped, {dropped_ink, 1.4});
     }
@@ -194,14 +195,14 @@ private:
         for (drawn_edge const& e : f.edges) tags_.avoid(at(e.kept ? drawing_.tip(e) : e.at));
     }
 
-    void name(drawn_feature const& f) {
+    void name(drawn_feature const& f, bool only_beside) {
         name_tag tag;
         tag.words = cut(c_, f.tool->tool->name, {.size = 8.5, .bold = true}, 140);
         tag.ink = ink_of(f.state);
         tag.is_filled = f.state != verdict::good;
         tag.outlines = on_page(f);
         for (spot const& p : f.marks) tag.marks.push_back(at(p));
-        tags_.put(tag);
+        tags_.put(tag, only_beside);
     }
 
     canvas& c_;

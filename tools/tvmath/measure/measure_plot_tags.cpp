@@ -15,6 +15,7 @@ constexpr double apart = 2;  // of two boxes
 constexpr double cost_of_avoided = 1.2;
 constexpr int places_around = 32;
 constexpr double line_from = 13;     // A box farther away has a line to what it names.
+constexpr double most_beside = 9;    // cost of a name that is only put beside
 constexpr double cost_beside = 2.5;  // against the middle of what is named
 
 spot unit(spot a) {
@@ -108,7 +109,7 @@ void tag_placer::draw(name_tag const& tag) const {
     c_.text({b.left + pad, b.bottom - pad}, tag.words, style);
 }
 
-void tag_placer::put(name_tag const& tag) {
+void tag_placer::put(name_tag const& tag, bool only_beside) {
     width_ = c_.text_width(tag.words, tag_style) + 2 * pad;
     height_ = letters + 2 * pad;
     best_ = {};
@@ -142,7 +143,7 @@ void tag_placer::put(name_tag const& tag) {
                 beside(mark, unit({std::cos(k * pi / 6 - pi / 4), std::sin(k * pi / 6 - pi / 4)}), 0.1 * k);
         }
     }
-    if (!(best_.cost < infinity)) return;
+    if (!(best_.cost < (only_beside ? most_beside : infinity))) return;
     taken_.push_back(best_.at);
     draw(tag);
 }
