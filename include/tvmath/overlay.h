@@ -104,7 +104,7 @@ public:
     /// All of it, from the header on; `size` bytes.
     unsigned char const* begin() const { return bytes_.begin(); }
     unsigned int size() const { return bytes_.capacity(); }
-    /// Row y, counted from the bottom: row `height` - 1 - y of the image.
+    /// Row y, counted from the bottom, 0 to `height` - 1: row `height` - 1 - y of the image.
     unsigned char const* row(int y) const;
 
 private:

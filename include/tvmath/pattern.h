@@ -40,17 +40,19 @@ public:
 /// counts is not finite.
 TVMATH_API VisionPattern generate_pattern(image sample, double position, double width, bool wrap);
 
-/// The same, with the profile centred on an edge of `gradient`, the edge strength of the same window: on the
-/// peak of the squared strength, summed over all rows along the edge that matched, that is nearest to it on
-/// either side; a peak counts from an eighth of the greatest sum on. The match may lie up to 5 pixels
-/// from `position`. Where `gradient` has no pixel, it counts as 0. The empty pattern also when it has no
-/// peak.
+/// The same, with the profile centred on an edge of `gradient`, the edge strength of the same window, whose
+/// squares are summed over all rows along the edge that matched. A walk to either side of that edge passes
+/// sums below an eighth of the greatest one, goes down to the next valley and from there up to a peak; the
+/// nearer of the two peaks counts, and the one on which the edge itself stands when the walks meet no other.
+/// The match may lie up to 5 pixels from `position`. Where `gradient` has no pixel, it counts as 0. The
+/// empty pattern also when it has no peak.
 TVMATH_API VisionPattern generate_pattern(image sample, image gradient, double position, double width,
                                           bool wrap);
 
 /// How well the pattern matches about each pixel along its row: an image of the size of `input`, from 0 to 1
-/// with the best match at 1. `input` is smoothed along the columns first, over 17 rows, since the edge runs
-/// along them; `wrap` closes them to rings. Beyond the ends of a row its end pixels count as repeated.
+/// with the best match at 1, unless all pixels match alike. `input` is smoothed along the columns first, over
+/// 17 rows, since the edge runs along them; `wrap` closes them to rings. Beyond the ends of a row its end
+/// pixels count as repeated.
 ///
 /// Where the switch `new_pattern_match_enabled()` is on, the strength is the correlation coefficient, for
 /// which the contrast of a window counts as no less than half of the greatest contrast in the image and as
@@ -71,8 +73,8 @@ TVMATH_API image pattern_filter(image input, VisionPattern pattern, bool wrap);
 ///
 /// In blurred texture without noise the error is 0.006 pixel root mean square, 0.02 at most. Noise of the
 /// scene is less where it is interpolated, so it draws the place towards the middle between pixels: at 2 % of
-/// white by 0.05 pixel root mean square. A small target may be met at a false place by every 4th pixel alone:
-/// of 12 by 12 only 9 remain.
+/// white by 0.05 pixel root mean square. A small target may be met at a false place, since the first search
+/// looks at every 4th pixel alone: at 9 of 12 by 12.
 ///
 /// The trivial point when there is no such match, for a target without contrast, and for one that leaves less
 /// than 10 pixels of room in either direction; the last column and row of the room are left out. A pixel that

@@ -18,8 +18,8 @@ inline namespace tvmath {
 ///
 /// Two passes over lines of pixels, along the rows and then along the columns. Each interpolates linearly
 /// where the result is as fine as the image or finer, and where it is coarser takes means over the pixels
-/// that a sample covers, so that nothing is lost between samples. Only up to two pixels outside the rectangle
-/// is looked at; beyond the border of the image its outermost pixels count as repeated. A pixel that is not
+/// that a sample covers, so that nothing is lost between samples. Up to two pixels outside the rectangle
+/// are looked at; beyond the border of the image its outermost pixels count as repeated. A pixel that is not
 /// finite spoils its neighbours, and where means are taken the rest of its line.
 ///
 /// The image of 0 by 0 when the rectangle leaves the image, by more than the billionth of a pixel that

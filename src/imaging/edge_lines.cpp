@@ -20,8 +20,9 @@ bool find_index(double coordinate, int size, int& index) {
 bool lies_between(double x, double a, double b) {
     return (a > x) != (b > x);
 }
+// With the ends. Where these are one, they are too far away to be told apart, or the line runs along them.
 bool lies_within(double x, double a, double b) {
-    return (a <= x && x <= b) || (b <= x && x <= a);
+    return a != b && ((a <= x && x <= b) || (b <= x && x <= a));
 }
 
 // A line against an image of some columns and rows, less a margin that keeps floor() off their numbers.
@@ -37,8 +38,6 @@ public:
         // Each border's place along the line, times dx dy.
         double const a = (left - x_) * dy_, b = (right - x_) * dy_;
         double const c = (top - y_) * dx_, d = (bottom - y_) * dx_;
-        // From far enough away opposite borders fall together, and nothing tells where the line meets them.
-        if ((dy_ != 0 && a == b) || (dx_ != 0 && c == d)) return false;
         return find_end(left, top, a, c, b, d, first) && find_end(right, bottom, b, d, a, c, second);
     }
 
@@ -50,9 +49,8 @@ private:
                   double other_row, pixel& end) const {
         if (lies_between(at_column, at_row, other_row)) return end_at_column(column, at_column, end);
         if (lies_between(at_row, at_column, other_column)) return end_at_row(row, at_row, end);
-        if (dx_ != 0 && lies_within(at_column, at_row, other_row))
-            return end_at_column(column, at_column, end);
-        if (dy_ != 0 && lies_within(at_row, at_column, other_column)) return end_at_row(row, at_row, end);
+        if (lies_within(at_column, at_row, other_row)) return end_at_column(column, at_column, end);
+        if (lies_within(at_row, at_column, other_column)) return end_at_row(row, at_row, end);
         return false;
     }
     bool end_at_column(double column, double place, pixel& end) const {

@@ -10,7 +10,7 @@ inline namespace tvmath {
 /// A place of a target in a scene, by the pixel under its first pixel, and the correlation there.
 struct image_match {
     std::size_t x = 0, y = 0;
-    double score = -1.0;  // what no match has to beat
+    double score = -1.0;  // of no match, which every match beats
 };
 
 /// The places x0 to x1 - 1 by y0 to y1 - 1.
@@ -25,9 +25,8 @@ double correlation_of_means(double t, double tt, double i, double ii, double ti)
 /// and then by y, of those with the greatest correlation. Score -1 when there is none.
 image_match best_match(image const& scene, image const& target, std::size_t k, match_range const& range);
 
-/// Where the places whose correlation `best_match` computes in full are told from the others: all places of
-/// the range of which the rounding of a faster computation leaves open whether they are the best, in the
-/// order of x and then y.
+/// The places whose correlation `best_match` computes in full: those of which a faster computation, with its
+/// rounding, leaves open whether they are the best. In the order of x and then y.
 std::vector<image_match> match_candidates(image const& scene, image const& target, std::size_t k,
                                           match_range const& range);
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
 #include <vector>
 
 #include "containers/parallel_for.h"
@@ -106,7 +107,14 @@ public:
             squares_[i + 1] = squares_[i] + padded_[i] * padded_[i];
         }
     }
-    double square_sum(std::size_t x) const { return squares_[x + window_] - squares_[x]; }
+    // The sum of squares of the window about a pixel. In dark parts, of which the running sums have lost the
+    // digits, term by term.
+    double energy(std::size_t x) const {
+        double const difference = square_sum(x);
+        if (!(difference < 1e-6 * squares_[x + window_])) return difference;
+        double const* const first = padded_.data() + x;
+        return std::inner_product(first, first + window_, first, 0.0);
+    }
     double variance(std::size_t x) const {
         double const n = static_cast<double>(window_), sum = sums_[x + window_] - sums_[x];
         return (square_sum(x) - sum * sum / n) / n;
@@ -119,6 +127,8 @@ public:
     }
 
 private:
+    double square_sum(std::size_t x) const { return squares_[x + window_] - squares_[x]; }
+
     std::size_t cols_, window_, half_;
     std::vector<double> padded_, correlation_, sums_, squares_;
 };
@@ -137,7 +147,7 @@ void for_rows(image const& m, std::size_t window, worker const& work) {
 }
 
 // The share of a window's energy that the pattern explains is at most 1 by Cauchy's inequality, apart from
-// the rounding of running sums, which in dark parts would else be raised to the 8th power, too.
+// rounding. Windows whose energy leaves the normal numbers count as black, since it has no digits.
 image match_by_energy(image const& m, std::vector<double> q) {
     scale_to_length_1(q);
     image result;
@@ -146,12 +156,16 @@ image match_by_energy(image const& m, std::vector<double> q) {
         row.sum_up();
         double const* const c = row.correlation(q);
         for (std::size_t x = 0; x < cols(m); ++x) {
-            double const energy = row.square_sum(x);
-            if (energy == 0) continue;
+            double const energy = row.energy(x);
+            if (energy < 1e-290) continue;
             double const share = c[x] * c[x] / energy, v = share > 1 ? 1.0 : share;
             to[y][x] = sqr(sqr(sqr(v)));
         }
     });
+    // Where all windows match alike, there is nothing to stretch but rounding.
+    double min, max;
+    minmax_value(result, min, max);
+    if (max - min <= 1e-9 * max) return result = max;
     return result.enhance();
 }
 

@@ -86,20 +86,25 @@ TEST(NormalAngle, IsTheDirectionOfASlope) {
 
 // One bright pixel shows whether a strip about a sample of the grid holds it: below or above that sample, for
 // else the answer is 0. In 6 by 6 the circle is about (2, 2), and its lowest sample (2, 4). In 18 by 18 with
-// steps of 3 the highest row of the circle has samples at 5, 8 and 11.
+// steps of 3 row 3 has samples at 5, 8 and 11, row 6 at 4, 7 and on. In 15 by 15 with steps of 2 row 5 has
+// one at 4, in 14 by 14 with steps of 1 row 1.
 TEST(NormalAngle, SamplesTheGridInTheCircle) {
     struct {
         unsigned int size, radius, x, y;
         double angle;
-    } const cases[] = {{6, 1, 2, 5, pi / 2},
-                       {6, 1, 3, 5, 0},
-                       {18, 3, 5, 0, -pi / 2},
-                       {18, 3, 6, 0, 0},
-                       {18, 3, 8, 0, -pi / 2}};
+    } const cases[] = {{6, 1, 2, 5, pi / 2},  {6, 1, 3, 5, 0},        {18, 3, 5, 0, -pi / 2},
+                       {18, 3, 6, 0, 0},      {18, 3, 4, 4, -pi / 2}, {15, 3, 4, 2, -pi / 2},
+                       {14, 1, 4, 0, -pi / 2}};
     for (auto const& c : cases) {
         image m(c.size, c.size);
         m(c.y)(c.x) = 1;
         EXPECT_EQ(m.find_normal_angle(c.radius, 0), c.angle) << c.x << ' ' << c.y;
+    }
+    // Below a product of 1e-10 a diagonal counts as an axis.
+    for (auto [difference, angle] : {std::pair(1.1e-5, pi / 4), std::pair(0.9e-5, 0.0)}) {
+        image m(3, 3);
+        m(1)(2) = m(2)(1) = difference;
+        EXPECT_NEAR(m.find_normal_angle(1, 0), angle, 1e-9);
     }
 }
 
@@ -173,12 +178,13 @@ TEST(EdgePoints, OfLinesThroughCornersAndOfBadLines) {
     struct {
         double x, y, dx, dy;
         pixel first, second;
-    } const cases[] = {{0, 0, 1, 1, {0, 0}, {7, 7}},     {0, 8, 1, -1, {7, 0}, {0, 7}},
-                       {4, 4, -2, -2, {0, 0}, {7, 7}},   {4, 4, -1, 1, {7, 0}, {0, 7}},
-                       {99, 2.5, -3, 0, {7, 2}, {0, 2}}, {4, 4, 0, 0, none, none},
-                       {bad, 4, 1, 0, none, none},       {4, 4, bad, 1, none, none},
-                       {4, 4, infinity, 1, none, none},  {-infinity, 4, 1, 0, none, none},
-                       {huge, huge, 1, 1, none, none},   {1e17, 1e17 + 16, 1, 1, none, none}};
+    } const cases[] = {{0, 0, 1, 1, {0, 0}, {7, 7}},         {0, 8, 1, -1, {7, 0}, {0, 7}},
+                       {4, 4, -2, -2, {0, 0}, {7, 7}},       {4, 4, -1, 1, {7, 0}, {0, 7}},
+                       {99, 2.5, -3, 0, {7, 2}, {0, 2}},     {4, 4, 0, 0, none, none},
+                       {bad, 4, 1, 0, none, none},           {4, 4, bad, 1, none, none},
+                       {4, 4, infinity, 1, none, none},      {-infinity, 4, 1, 0, none, none},
+                       {huge, huge, 1, 1, none, none},       {1e17, 1e17 + 16, 1, 1, none, none},
+                       {1e17, 2.6, 1, 1e-18, {0, 2}, {7, 2}}};
     for (auto const& c : cases) {
         for (unsigned int const size : {8u, 0u}) {
             pixel first = none, second = none;
@@ -196,8 +202,8 @@ TEST(Hough, TurnsALineIntoASpot) {
     for (int trial = 0; trial < 20; ++trial) {
         int const r = static_cast<int>(random.below(30)), a = 4 + static_cast<int>(random.below(12));
         double const theta = pi / 2 - 0.2 + (a + 0.5) * 0.02, c = std::cos(theta), s = std::sin(theta);
-        double const distance = r + 0.5 - 15;  // from the middle (40, 30), along the normal
-        image m = image_of(60, 80, [=](double y, double x) {
+        double const distance = r + 0.5 - 15;  // from the middle in whole numbers (40, 30), along the normal
+        image m = image_of(61, 81, [=](double y, double x) {
             return std::exp(-0.5 * std::pow((x + 0.5 - 40) * c + (y + 0.5 - 30) * s - distance, 2));
         });
         m.hough(30, 20);
@@ -256,16 +262,26 @@ TEST(LsfEdge, FindsTheCurveOfARidge) {
     }
 }
 
-// With the new method a column takes part with the peak that the curve lies on, and not at all in a valley.
-TEST(LsfEdge, LeavesOutColumnsWithTheCurveInAValley) {
-    image const doubled = image_of(40, 60, [](double y, double x) {
-        double const d = std::fabs(y - 20);
-        return x < 50 ? (d == 0 ? 1.0 : d == 1 ? 0.4 : 0.0) : y == 22 ? 0.9 : y == 19 ? 0.5 : 0.0;
+// With the new method a column takes part with the peak that the curve lies on, level flanks and all, but no
+// farther than 2 sigma of about 1, and not at all in a valley or where it is level.
+TEST(LsfEdge, TakesOfEachColumnThePeakAtTheCurve) {
+    double const peak[] = {0.4, 0.4, 0.4, 0.9, 0.6}, valley[] = {0, 0, 0.1, 0, 0, 0.18};
+    image const columns = image_of(40, 60, [&](double y, double x) {
+        int const r = static_cast<int>(y) - 17;
+        if (x >= 55) return 0.1;
+        if (x >= 50) return r >= 0 && r < 6 ? valley[r] : 0.0;
+        return r >= 0 && r < 5 ? peak[r] : 0.0;
     });
-    EXPECT_TRUE(
-        with_new_algorithms(false, [&] { EXPECT_GT(std::fabs(poly(55, lsf_edge(doubled)) - 20.5), 0.05); }));
+    double const expected = (0.16 * (18.5 + 19.5) + 0.81 * 20.5 + 0.36 * 21.5) / (0.16 + 0.16 + 0.81 + 0.36);
+    image mirrored = columns;
+    mirrored.mirror_x();
+    EXPECT_TRUE(with_new_algorithms(
+        false, [&] { EXPECT_GT(std::fabs(poly(30, lsf_edge(columns)) - expected), 0.05); }));
     EXPECT_TRUE(with_new_algorithms(true, [&] {
-        for (double x : {0.0, 30.0, 60.0}) EXPECT_NEAR(poly(x, lsf_edge(doubled)), 20.5, 1e-9);
+        for (double x : {0.0, 30.0, 60.0}) {
+            EXPECT_NEAR(poly(x, lsf_edge(columns)), expected, 1e-9);
+            EXPECT_NEAR(poly(x, lsf_edge(mirrored)), 40 - expected, 1e-9);
+        }
     }));
 }
 

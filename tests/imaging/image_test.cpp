@@ -93,16 +93,16 @@ TEST(Image, FiltersWorkedByHand) {
         {"enhance constant beyond white", {{1.5}, {1.5}}, {{0.5}, {0.5}}, [](image& m) { m.enhance(); }},
         {"enhance constant below black", {{-1}}, {{0.5}}, [](image& m) { m.enhance(); }},
         {"threshold 0", {{0, 0.5, 1}}, {{0, (0.5 - t) * s, 1}}, [](image& m) { m.threshold(0); }},
-        // Two of the four that are not black reach level 512.
-        {"threshold 0.5",
+        // Of the four that are not black two whole ones are wanted, and they reach level 512.
+        {"threshold 0.6",
          {{0, 0, 0.25}, {0.5, 0.75, 1}},
          {{0, 0, 0}, {0, 0.5, 1}},
-         [](image& m) { m.threshold(0.5); }},
+         [](image& m) { m.threshold(0.6); }},
         // The black ones of level 0 do not count, and no level but the last reaches beyond the others.
-        {"threshold 1",
+        {"threshold beyond 1",
          {{0, -big, 0.25, big}},
          {{0, 0, 0, (big - 1023 * t) * 1024}},
-         [](image& m) { m.threshold(1); }},
+         [](image& m) { m.threshold(1.5); }},
         {"width 1", {{1, 2, 9}}, {{1, 2, 9}}, [](image& m) { m.boxcar2d(1); }},
         {"boxcar2d",
          {{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 9, 0}},

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <algorithm>
+#include <bitset>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <sstream>
+#include <utility>
 
 #include "files/png_file.h"
 #include "support/seeded_random.h"
@@ -40,27 +42,22 @@ TEST(ImageFile, ReadsEveryFormOfPgm) {
     using namespace std::string_literals;
     std::vector<double> const six = {0, 1 / 5.0, 2 / 5.0, 3 / 5.0, 4 / 5.0, 1};
     std::string const raster = "\0\1\2\3\4\5"s;
-    struct {
-        char const* name;
-        std::string bytes;
-        std::vector<double> values;
-    } const cases[] = {
-        {"binary", "P5\n3 2\n5\n" + raster, six},
-        {"binary with comments", "P5#a\n# b\r3#c\n 2 # d\n\t5#\n" + raster, six},
-        {"first pixel like a blank", "P5 3 1 32\n\n\x20\x09", {10 / 32.0, 1, 9 / 32.0}},
-        {"plain", "P2\n3 2\n5\n0 1 2 3 4 5", six},
-        {"plain, wild", "P2#\n3\r\n2 0005\r\n0\t1\v2#x 9\n3 #\n4\f5#c\n # end", six},
-        {"16 bits", "P5 3 1 65535 \0\0\x12\x34\xFF\xFF"s, {0, 0x1234 / 65535.0, 1}},
-        {"two bytes from 256 on", "P5 2 1 256 \1\0\0\1"s, {1, 1 / 256.0}},
-        {"one byte up to 255", "P5 2 1 255 \x80\xFF", {128 / 255.0, 1}},
-        {"a bit", "P2 2 1 1 1 0 ", {1, 0}},
+    std::pair<std::string, std::vector<double>> const cases[] = {
+        {"P5\n3 2\n5\n" + raster, six},
+        {"P5#a\n# b\r3#c\n 2 # d\n\t5#\n" + raster, six},
+        {"P5 3 1 32\n\n\x20\x09", {10 / 32.0, 1, 9 / 32.0}},  // pixels like blanks
+        {"P5 3 1 65535 \0\0\x12\x34\xFF\xFF"s, {0, 0x1234 / 65535.0, 1}},
+        {"P5 2 1 256 \1\0\0\1"s, {1, 1 / 256.0}},  // two bytes from here on
+        {"P5 2 1 255 \x80\xFF", {128 / 255.0, 1}},
+        {"P2\n3 2\n5\n0 1 2 3 4 5", six},
+        {"P2#\n3\r\n2 0005\r\n0\t1\v2#x 9\n3 #\n4\f5#c\n # end", six},
     };
-    for (auto const& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (auto const& [bytes, values] : cases) {
+        SCOPED_TRACE(bytes);
         image m;
-        EXPECT_EQ(read_bytes(c.bytes, m), "read");
-        EXPECT_EQ(rows(m), c.values.size() / 3 > 1 ? 2u : 1u);
-        EXPECT_EQ(values_of(m), c.values);
+        EXPECT_EQ(read_bytes(bytes, m), "read");
+        EXPECT_EQ(rows(m), values.size() / 3 > 1 ? 2u : 1u);
+        EXPECT_EQ(values_of(m), values);
     }
 }
 
@@ -68,20 +65,13 @@ TEST(ImageFile, SaysInOneLineWhatIsWrong) {
     using namespace std::string_literals;
     std::string const damaged = "is a damaged PGM: ",
                       large = "; at most 268435456 are read, and 1048576 to a side";
-    struct {
-        std::string bytes, reason;
-    } const cases[] = {
+    std::pair<std::string, std::string> const cases[] = {
         {"", "is empty"},
-        {"x,y\n1,2\n", "is neither a PNG nor a PGM picture"},
         {"P5", "is neither a PNG nor a PGM picture"},
-        {"P54 4 255\n", "is neither a PNG nor a PGM picture"},
         {"\xFF\xD8\xFF\xE0", "seems to be a JPEG picture; only PNG and PGM are read"},
         {"P6 1 1 255\nrgb", "seems to be a PPM picture; only PNG and PGM are read"},
-        {"P2 -3 2 5", damaged + "its width is no number"},
         {"P2 3 2x 5", damaged + "its height is no number"},
-        {"P2 3 2 #5\n", damaged + "its greatest value is no number"},
         {"P5 3 0 5\n", "has no pixels"},
-        {"P5 3 2 0\n", damaged + "its greatest value is not from 1 to 65535"},
         {"P5 3 2 65536\n", damaged + "its greatest value is not from 1 to 65535"},
         {"P5 1048577 1 5\n", "has 1048577 x 1 pixels" + large},
         {"P5 16385 16384 5\n", "has 16385 x 16384 pixels" + large},
@@ -96,7 +86,7 @@ TEST(ImageFile, SaysInOneLineWhatIsWrong) {
         {"P5 1 1 255\r\n1", damaged + "it goes on after its last pixel"},
         {"P2 1 1 5 " + std::string(std::size_t{65} << 20, ' '), "is far longer than its pixels can be"},
     };
-    for (auto const& c : cases) EXPECT_EQ(outcome_of(c.bytes), c.reason) << c.bytes.substr(0, 40);
+    for (auto const& [bytes, why] : cases) EXPECT_EQ(outcome_of(bytes), why) << bytes.substr(0, 40);
 
     image m;
     std::string reason;
@@ -106,10 +96,19 @@ TEST(ImageFile, SaysInOneLineWhatIsWrong) {
 
 #ifdef TVMATH_READS_PNG
 
-// A writer of PNG of its own, after the standard: stored blocks, no filters.
-using grid = std::vector<std::vector<unsigned int>>;  // samples of each row, pixel by pixel
+// A writer of PNG of its own, after the standard: stored blocks, no filters. It reads back what it is given
+// as samples[y][x * channels + k].
+using grid = std::vector<std::vector<unsigned int>>;
 
-std::string big_endian(std::uint32_t value, int bytes = 4) {
+struct png_kind {
+    unsigned int type, depth;
+    unsigned int channels() const { return type == 2 ? 3 : type == 4 ? 2 : type == 6 ? 4 : 1; }
+};
+png_kind const kinds[] = {{0, 1}, {0, 2}, {0, 4}, {0, 8}, {0, 16}, {2, 8}, {2, 16},
+                          {3, 2}, {3, 4}, {3, 8}, {4, 8}, {4, 16}, {6, 8}, {6, 16}};
+std::string const palette("\xFF\0\0\0\xFF\0\x10\x20\xF0", 9);  // red, green, a blue
+
+std::string big_endian(std::size_t value, int bytes = 4) {
     std::string text;
     for (int i = bytes; i-- > 0;) text += static_cast<char>(value >> 8 * i & 255);
     return text;
@@ -121,105 +120,70 @@ std::string chunk(std::string const& content) {  // its name and what it holds
         crc ^= static_cast<unsigned char>(c);
         for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
     }
-    return big_endian(static_cast<std::uint32_t>(content.size() - 4)) + content + big_endian(~crc);
+    return big_endian(content.size() - 4) + content + big_endian(~crc);
 }
 
 std::string stored(std::string const& raw) {
-    std::uint32_t a = 1, b = 0;
-    for (char const c : raw) {
-        a = (a + static_cast<unsigned char>(c)) % 65521;
-        b = (b + a) % 65521;
-    }
-    auto const n = static_cast<unsigned int>(raw.size());
-    std::string text = "\x78\x01\x01" + big_endian((n & 255) << 8 | n >> 8, 2);
-    return text + big_endian((~n & 255) << 8 | (~n >> 8 & 255), 2) + raw + big_endian(b << 16 | a);
+    std::size_t a = 1, b = 0, n = raw.size();
+    for (char const c : raw) b = (b + (a = (a + static_cast<unsigned char>(c)) % 65521)) % 65521;
+    auto const little_endian = [](std::size_t k) { return big_endian((k & 255) << 8 | (k >> 8 & 255), 2); };
+    return "\x78\x01\x01" + little_endian(n) + little_endian(~n) + raw + big_endian(b << 16 | a);
 }
 
-struct png_case {
-    unsigned int type, depth, channels;
-    std::string palette;  // the chunk
-};
-
-std::string rows_of(grid const& samples, png_case const& kind, std::array<unsigned int, 4> const& pass) {
+std::string png_of(grid const& samples, png_kind const& kind, bool interlaced) {
+    // The passes as the standard numbers them.
+    char const* const pattern[] = {"16462646", "77777777", "56565656", "77777777",
+                                   "36463646", "77777777", "56565656", "77777777"};
+    std::size_t const width = samples[0].size() / kind.channels();
     std::string raw;
-    auto const width = static_cast<unsigned int>(samples[0].size()) / kind.channels;
-    for (std::size_t y = pass[2]; y < samples.size() && pass[0] < width; y += pass[3]) {
-        std::string bits(8, '0');  // of the filter
-        for (unsigned int x = pass[0]; x < width; x += pass[1]) {
-            for (unsigned int k = 0; k < kind.channels; ++k) {
-                for (unsigned int bit = kind.depth; bit-- > 0;)
-                    bits += (samples[y][x * kind.channels + k] >> bit & 1) != 0 ? '1' : '0';
+    for (char pass = '1'; pass <= (interlaced ? '7' : '1'); ++pass) {
+        for (std::size_t y = 0; y < samples.size(); ++y) {
+            std::string bits;
+            for (std::size_t i = 0; i < samples[y].size(); ++i) {
+                if (interlaced && pattern[y % 8][i / kind.channels() % 8] != pass) continue;
+                bits += std::bitset<16>(samples[y][i]).to_string().substr(16 - kind.depth);
             }
+            if (!bits.empty()) raw += '\0';  // no filter
+            for (bits.resize((bits.size() + 7) / 8 * 8, '1'); !bits.empty(); bits.erase(0, 8))
+                raw += static_cast<char>(std::bitset<8>(bits, 0, 8).to_ulong());
         }
-        bits.resize((bits.size() + 7) / 8 * 8, '1');
-        for (std::size_t i = 0; i < bits.size(); i += 8)
-            raw += static_cast<char>(std::stoi(bits.substr(i, 8), nullptr, 2));
     }
-    return raw;
-}
-
-std::string png_of(grid const& samples, png_case const& kind, bool interlaced) {
-    auto const width = static_cast<std::uint32_t>(samples[0].size()) / kind.channels;
-    std::string raw;
-    // x, its step, y, its step of the passes, as the standard's 8 by 8 pattern numbers them.
-    std::array<unsigned int, 4> const passes[] = {{0, 8, 0, 8}, {4, 8, 0, 8}, {0, 4, 4, 8}, {2, 4, 0, 4},
-                                                  {0, 2, 2, 4}, {1, 2, 0, 2}, {0, 1, 1, 2}};
-    if (!interlaced) raw = rows_of(samples, kind, {0, 1, 0, 1});
-    for (auto const& pass : passes) raw += interlaced ? rows_of(samples, kind, pass) : "";
     std::string const form = {static_cast<char>(kind.depth), static_cast<char>(kind.type), 0, 0, interlaced};
-    return "\x89PNG\r\n\x1A\n" +
-           chunk("IHDR" + big_endian(width) + big_endian(static_cast<std::uint32_t>(samples.size())) + form) +
-           chunk(std::string("tEXtTitle\0a", 11)) + kind.palette + chunk("IDAT" + stored(raw)) +
-           chunk("IEND");
+    return "\x89PNG\r\n\x1A\n" + chunk("IHDR" + big_endian(width) + big_endian(samples.size()) + form) +
+           (kind.type == 3 ? chunk("PLTE" + palette) + chunk(std::string("tRNS\0", 5)) : "") +
+           chunk("IDAT" + stored(raw)) + chunk("IEND");
 }
 
-grid random_samples(seeded_random& random, png_case const& kind) {
+grid random_samples(seeded_random& random, png_kind const& kind) {
     unsigned int const largest = kind.type == 3 ? 2 : (1u << kind.depth) - 1;
-    grid samples(1 + random.below(19), std::vector<unsigned int>(kind.channels * (1 + random.below(19))));
+    grid samples(1 + random.below(19), std::vector<unsigned int>(kind.channels() * (1 + random.below(19))));
     for (auto& row : samples) {
         for (unsigned int& sample : row) sample = random.below(8) == 0 ? largest : random.below(largest + 1);
     }
     return samples;
 }
 
-std::string const colors("\xFF\0\0\0\xFF\0\x10\x20\xF0", 9);  // red, green, a blue
-png_case const kinds[] = {{0, 1, 1, ""},
-                          {0, 2, 1, ""},
-                          {0, 4, 1, ""},
-                          {0, 8, 1, ""},
-                          {0, 16, 1, ""},
-                          {2, 8, 3, ""},
-                          {2, 16, 3, ""},
-                          {4, 8, 2, ""},
-                          {4, 16, 2, ""},
-                          {6, 8, 4, ""},
-                          {6, 16, 4, ""},
-                          {3, 2, 1, chunk("PLTE" + colors)},
-                          {3, 4, 1, chunk("PLTE" + colors) + chunk(std::string("tRNS\0", 5))},
-                          {3, 8, 1, chunk("PLTE" + colors)}};
+double grey_of(unsigned int const* s, png_kind const& kind) {
+    double const of_palette[] = {0.2126, 0.7152, (0.2126 * 16 + 0.7152 * 32 + 0.0722 * 240) / 255};
+    if (kind.type == 3) return of_palette[*s];
+    double const level = kind.channels() < 3 ? *s : 0.2126 * s[0] + 0.7152 * s[1] + 0.0722 * s[2];
+    return level / ((1 << kind.depth) - 1);
+}
 
 TEST(ImageFile, ReadsEveryKindOfPng) {
     seeded_random random(20261122);
-    double const palette[] = {0.2126, 0.7152, (0.2126 * 16 + 0.7152 * 32 + 0.0722 * 240) / 255};
-    for (png_case const& kind : kinds) {
-        for (int trial = 0; trial < 20; ++trial) {
-            SCOPED_TRACE(testing::Message()
-                         << "type " << kind.type << ", depth " << kind.depth << ", " << trial);
-            grid const samples = random_samples(random, kind);
-            image m;
-            ASSERT_EQ(read_bytes(png_of(samples, kind, trial % 2 == 1) + "behind", m), "read");
-            ASSERT_TRUE(rows(m) == samples.size() && cols(m) * kind.channels == samples[0].size());
-            for (unsigned int y = 0; y < rows(m); ++y) {
-                for (unsigned int x = 0; x < cols(m); ++x) {
-                    unsigned int const* const s = &samples[y][x * kind.channels];
-                    double const white = (1 << kind.depth) - 1;
-                    double const truth = kind.type == 3 ? palette[*s]
-                                         : kind.channels >= 3
-                                             ? (0.2126 * s[0] + 0.7152 * s[1] + 0.0722 * s[2]) / white
-                                             : *s / white;
-                    ASSERT_NEAR(m[y][x], truth, 1e-15);  // the rounding of the weights
-                    ASSERT_TRUE(m[y][x] == 1 || truth < 0.9999999);
-                }
+    for (int trial = 0; trial < 280; ++trial) {
+        png_kind const kind = kinds[trial % 14];
+        SCOPED_TRACE(testing::Message() << "type " << kind.type << ", depth " << kind.depth << ", " << trial);
+        grid const samples = random_samples(random, kind);
+        image m;
+        ASSERT_EQ(read_bytes(png_of(samples, kind, random.coin()) + "behind", m), "read");
+        ASSERT_TRUE(rows(m) == samples.size() && cols(m) * kind.channels() == samples[0].size());
+        for (unsigned int y = 0; y < rows(m); ++y) {
+            for (unsigned int x = 0; x < cols(m); ++x) {
+                double const truth = grey_of(&samples[y][x * kind.channels()], kind);
+                ASSERT_NEAR(m[y][x], truth, 1e-15);  // the rounding of the weights
+                ASSERT_TRUE(m[y][x] == 1 || truth < 0.9999999);
             }
         }
     }
@@ -228,7 +192,7 @@ TEST(ImageFile, ReadsEveryKindOfPng) {
 // No byte of what tells of the pixels may be wrong, and none be missing, without a word.
 TEST(ImageFile, RefusesEveryDamagedPng) {
     seeded_random random(20261123);
-    for (png_case const& kind : kinds) {
+    for (png_kind const& kind : kinds) {
         std::string const whole = png_of(random_samples(random, kind), kind, random.coin());
         image original;
         ASSERT_EQ(read_bytes(whole, original), "read");
@@ -237,47 +201,36 @@ TEST(ImageFile, RefusesEveryDamagedPng) {
             std::string other = whole;
             other[i] = static_cast<char>(other[i] ^ 1 << random.below(8));
             image m;
-            if (read_bytes(other, m) == "read") {
-                EXPECT_EQ(values_of(m), values_of(original)) << "byte " << i;
-            }
+            EXPECT_TRUE(read_bytes(other, m) != "read" || values_of(m) == values_of(original)) << i;
         }
     }
-    grid const beyond = {{0, 1, 3}};
-    EXPECT_EQ(outcome_of(png_of(beyond, kinds[11], false)),
+    EXPECT_EQ(outcome_of(png_of({{0, 1, 3}}, {3, 2}, false)),
               "is a damaged PNG: a pixel is beyond its palette");
-    std::string const head = "\x89PNG\r\n\x1A\n" + chunk("IHDR" + big_endian(1 << 20) + big_endian(1 << 20) +
-                                                         std::string("\1\0\0\0\0", 5));
-    EXPECT_EQ(outcome_of(head + chunk("IDAT")).substr(0, 27), "has 1048576 x 1048576 pixel");
+    std::string const sizes = big_endian(1 << 20) + big_endian(1 << 20) + std::string("\1\0\0\0\0", 5);
+    EXPECT_EQ(outcome_of("\x89PNG\r\n\x1A\n" + chunk("IHDR" + sizes) + chunk("IDAT")),
+              "has 1048576 x 1048576 pixels; at most 268435456 are read, and 1048576 to a side");
 }
 
 TEST(ImageFile, WritesPngThatReadBackAsTheyWere) {
     seeded_random random(20261124);
-    image grey(13, 7);
-    rgb_picture picture = {7, 13, {}};
+    image grey(13, 7), m;
+    rgb_picture picture = {7, 13, std::vector<unsigned char>(273)};
+    for (unsigned char& byte : picture.rgb) byte = static_cast<unsigned char>(random.below(256));
     std::vector<double> rounded[2], luma;
-    for (unsigned int y = 0; y < 13; ++y) {
-        for (unsigned int x = 0; x < 7; ++x) {
-            double const value = random.uniform(-0.1, 1.1), cut = std::min(1.0, std::max(0.0, value));
-            grey(y)(x) = value;
-            rounded[0].push_back(std::round(cut * 255) / 255);
-            rounded[1].push_back(std::round(cut * 65535) / 65535);
-            unsigned int const c[] = {random.below(256), random.below(256), random.below(256)};
-            for (unsigned int const k : c) picture.rgb.push_back(static_cast<unsigned char>(k));
-            luma.push_back((2126 * c[0] + 7152 * c[1] + 722 * c[2]) / 2550000.0);
-        }
+    for (unsigned int i = 0; i < 91; ++i) {
+        double const value = random.uniform(-0.1, 1.1), cut = std::min(1.0, std::max(0.0, value));
+        grey(i / 7)(i % 7) = i > 0 ? value : std::numeric_limits<double>::quiet_NaN();
+        rounded[0].push_back(i > 0 ? std::round(cut * 255) / 255 : 0);
+        rounded[1].push_back(i > 0 ? std::round(cut * 65535) / 65535 : 0);
+        unsigned char const* const c = picture.rgb.data() + 3 * i;
+        luma.push_back((2126 * c[0] + 7152 * c[1] + 722 * c[2]) / 2550000.0);
     }
-    grey(12)(6) = std::numeric_limits<double>::quiet_NaN();
-    rounded[0].back() = rounded[1].back() = 0;
-    image m;
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(read_bytes(png_bytes(grey, 8 << i), m), "read");
         EXPECT_EQ(values_of(m), rounded[i]);
     }
-    std::string const bytes = png_bytes(picture);
-    EXPECT_EQ(read_bytes(bytes, m), "read");
+    EXPECT_EQ(read_bytes(png_bytes(picture), m), "read");
     EXPECT_EQ(values_of(m), luma);
-    EXPECT_EQ(bytes.find("tIME"), std::string::npos);
-
     picture.rgb.pop_back();
     EXPECT_EQ(
         png_bytes(picture) + png_bytes(rgb_picture()) + png_bytes(image(), 8) + png_bytes(image(3, 0), 8),

@@ -137,8 +137,8 @@ std::string corrector_text(any_corrector const& corrector) {
 }
 
 std::string corrector_mismatch(std::string const& name, corrector_kind kind, corrector_kind wanted) {
-    return shown_name(name) + ": holds a " + corrector_name(kind) + " corrector where one of " +
-           corrector_name(wanted) + " is wanted";
+    return shown_name(name) + ": holds a " + corrector_name(kind) + " corrector where a " +
+           corrector_name(wanted) + " corrector is wanted";
 }
 
 bool read_corrector_text(std::string text, any_corrector& corrector, std::string& reason) {

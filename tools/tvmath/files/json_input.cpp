@@ -48,7 +48,8 @@ public:
     bool start_array(std::size_t) override { return open(); }
     bool end_array() override { return close(); }
     bool key(string_t& name) override {
-        return keys_.back().insert(name).second || fail("the key " + tvmath::quoted(name) + " stands here twice");
+        return keys_.back().insert(name).second ||
+               fail("the key " + tvmath::quoted(name) + " stands here twice");
     }
     bool parse_error(std::size_t, std::string const&, json::exception const& error) override {
         return fail(reason_in(error.what()));
@@ -88,6 +89,11 @@ std::string line_and_column(std::string const& text, std::size_t bytes) {
 bool read_json(std::string const& text, json& document, std::string& reason) {
     std::istringstream in(text);
     syntax_check check(in);
+    // The parser takes it for the end.
+    if (std::size_t const zero = text.find('\0'); zero != std::string::npos) {
+        reason = line_and_column(text, zero + 1) + "has a byte 0, as no text has";
+        return false;
+    }
     if (!json::sax_parse(in, &check)) {
         reason = line_and_column(text, check.end) + check.reason;
         return false;

@@ -188,6 +188,9 @@ public:
                     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
                     png_set_IHDR(png_, info_, width, height, depth, type, PNG_INTERLACE_NONE,
                                  PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
+                    // A third of the time of the usual choices, for a fifth more bytes.
+                    png_set_compression_level(png_, 1);
+                    png_set_filter(png_, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
                     png_write_info(png_, info_);
                 });
     }

@@ -319,13 +319,15 @@ std::string quoted(std::string_view field) {
     return text + (field.size() > longest ? "...'" : "'");
 }
 
-std::string shown_name(std::string const& name) {
-    if (name == "-") return "<stdin>";
-    std::string shown = name;
-    for (char& c : shown) {
+std::string one_line(std::string text) {
+    for (char& c : text) {
         if ((c >= '\0' && c < ' ') || c == '\x7F') c = '?';
     }
-    return shown;
+    return text;
+}
+
+std::string shown_name(std::string const& name) {
+    return name == "-" ? "<stdin>" : one_line(name);
 }
 
 std::string error_text(std::string const& name, read_error const& error) {

@@ -36,7 +36,10 @@ std::string quoted(std::string_view words);
 /// `FILE:LINE: reason`, or `FILE: reason`, without an end of line; standard input is called <stdin>.
 std::string error_text(std::string const& name, read_error const& error);
 
-/// `name` as it is shown: standard input by name, control characters replaced so that it stays one line.
+/// The text with question marks for control characters, so that it stays one line.
+std::string one_line(std::string text);
+
+/// The name of a file as it is shown: standard input by name, all others on one line.
 std::string shown_name(std::string const& name);
 
 }  // namespace tvmath

@@ -75,7 +75,7 @@ std::string form_label(fit_result const& result) {
 }
 
 std::vector<report_row> rows_of(std::vector<figure> const& figures, bool radians,
-                                std::string (*text)(double)) {
+                                std::function<std::string(double)> const& text) {
     std::vector<report_row> rows;
     for (figure const& f : figures) {
         if (f.kind == figure_kind::rows || f.values.empty()) continue;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
+#include <string>
 #include <vector>
 
 #include "fit_result.h"
@@ -27,7 +29,7 @@ std::string form_label(fit_result const& result);
 /// The figures as rows of their own for each coordinate; angles in degrees and, with `radians`, in radians
 /// too. Rows of lists are left out. Numbers by `text`.
 std::vector<report_row> rows_of(std::vector<figure> const& figures, bool radians,
-                                std::string (*text)(double));
+                                std::function<std::string(double)> const& text);
 
 /// Writes the rows indented by two blanks: labels on the left, decimal points below each other.
 void write_rows(std::ostream& out, std::vector<report_row> const& rows);

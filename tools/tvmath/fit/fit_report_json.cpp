@@ -1,3 +1,4 @@
+#include "fit_json.h"
 #include "fit_report.h"
 #include "report/figure_json.h"
 
@@ -36,10 +37,9 @@ json_value standard_names(fit_result const& result) {
     return object;
 }
 
-json_value document_of(fit_result const& result) {
-    json_value document;
-    document["file"] = result.file;
-    document["kind"] = result.kind->name;
+}  // namespace
+
+void put_fit(json_value& document, fit_result const& result) {
     document["method"] = result.method;
     document["conditions"] = result.conditions;
     document["dimension"] = result.dimension;
@@ -71,16 +71,18 @@ json_value document_of(fit_result const& result) {
                                {"deviations", figures_object(result.nominal->deviations)},
                                {"profile_error", or_null(result.nominal->profile_error)}};
     }
-    return document;
 }
-
-}  // namespace
 
 void write_json(std::ostream& out, std::vector<fit_result> const& results) {
     json_value document;
     document["schema"] = "tvmath.fit/2";
     document["results"] = json_value::array();
-    for (fit_result const& result : results) document["results"].push_back(document_of(result));
+    for (fit_result const& result : results) {
+        json_value& object = document["results"].emplace_back();
+        object["file"] = result.file;
+        object["kind"] = result.kind->name;
+        put_fit(object, result);
+    }
     write_json_text(out, document);
 }
 

@@ -43,7 +43,7 @@ bool job_object::read_label(std::string const& key, std::size_t longest, std::st
 bool job_object::read_numbers(std::string const& key, std::size_t most, std::vector<double>& numbers) const {
     if (!has(key)) return true;
     json const& value = at(key);
-    bool const is_list = most > 1 && value.is_array() && value.size() <= most;
+    bool const is_list = most > 1 && value.is_array() && value.size() == most;
     std::vector<double> fresh;
     for (json const& item : is_list ? value : json::array({value})) {
         if (item.is_number()) fresh.push_back(item.get<double>());

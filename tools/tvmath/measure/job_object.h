@@ -34,7 +34,7 @@ public:
     bool read_text(std::string const& key, std::string& text) const;
     /// Printable text of that many bytes at most.
     bool read_label(std::string const& key, std::size_t longest, std::string& text) const;
-    /// A number, or where `most` is above 1 a list of them.
+    /// A number, or where `most` is above 1 a list of so many.
     bool read_numbers(std::string const& key, std::size_t most, std::vector<double>& numbers) const;
 
     /// False. Says what is wrong with the key, or with the whole object when that is empty.

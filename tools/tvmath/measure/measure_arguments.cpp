@@ -8,7 +8,7 @@ namespace {
 
 char const* const notes =
     "Features, their places and sizes in pixels from the upper left corner of the image, y downward, angles\n"
-    "from +x to +y:\n"
+    "from +x to +y, in radians or as 30deg:\n"
     "  line X1 Y1 X2 Y2\n"
     "  circle RADIUS X Y\n"
     "  arc RADIUS START INCLUDED X Y\n"
@@ -63,6 +63,7 @@ CLI::App* add_measure(CLI::App& app, measure_request& request) {
     option("--overlay", request.overlay, "PICTURE.png", "Draw the features and edge points into the image");
     option("--plot", request.plot, "PICTURE.svg|png|pdf", "Draw the image, the features and their figures");
     option("--points", request.points, "OUT.csv", "Write a row for each edge point");
+    option("--centers", request.centers, "OUT.csv", "Write the place of each feature, a row x,y");
     option("--records", request.records, "OUT.txt", "Write the features, each as a name and a text");
     measure->add_flag("--json", request.json, "Write JSON instead of text");
     measure->footer(notes);

@@ -35,12 +35,20 @@ exit_status status_of(measured_tool const& tool) {
     return tool.passed() ? exit_status::done : exit_status::out_of_tolerance;
 }
 
+exit_status write_centers(std::string const& name, measure_report const& report, std::ostream& err) {
+    std::string table, reason;
+    if (center_table(report, table, reason)) return write_file(name, table, err);
+    err << shown_name(name) << ": " << reason << '\n';
+    return exit_status::no_answer;
+}
+
 exit_status write_files(measure_request const& request, image const& scene, measure_frame const& frame,
                         measure_report const& report, std::ostream& err) {
     exit_status status = exit_status::done;
     if (!request.points.empty()) status = worse(status, write_file(request.points, edge_table(report), err));
     if (!request.records.empty())
         status = worse(status, write_file(request.records, record_table(report), err));
+    if (!request.centers.empty()) status = worse(status, write_centers(request.centers, report, err));
     if (!request.overlay.empty())
         status = worse(status, write_picture(request.overlay, overlay_png(scene, frame, report), err));
     if (!request.plot.empty()) {

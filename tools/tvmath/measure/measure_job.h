@@ -30,14 +30,17 @@ struct edge_settings {
 
 /// What a number of the result may be.
 struct tolerance_limit {
-    std::string
-        figure;  ///< "form", "profile", "standard_deviation", or a figure: "radius", "center", "angle_deg"
-    double lower = 0, upper = 0;  ///< of the deviation from nominal; `lower` 0 for what is never negative
+    /// "form", "profile", "standard_deviation"; else the `figure_key` of a figure that the nominal feature
+    /// has: "radius", "end_radius", of angles "angle_deg", in degrees.
+    std::string figure;
+    /// Of the deviation from nominal. Of errors, and of a location such as "center", whose deviation is its
+    /// distance to the nominal one, `lower` is 0.
+    double lower = 0, upper = 0;
 };
 
 /// One feature to be measured.
 struct measure_tool {
-    std::string name;
+    std::string name;  ///< "circle 2", the second circle of the job, when the user gave none
     fit_kind const* kind = nullptr;
     std::string words;  ///< as the user wrote the feature
     /// Its nominal place and size in pixels of the image's plane.
@@ -52,8 +55,8 @@ struct measure_tool {
 
 /// All that is to be measured in an image, and where its pixels lie.
 struct measure_job {
-    std::string
-        unit;  ///< of the results; "px" when nothing says how long a pixel is and no other word was given
+    /// Of the results. Unless the user gave one "px" without a transform, else empty.
+    std::string unit;
     /// From places on the screen, in pixels from the middle of the image, to those of the results. Without
     /// one results are in the plane of the image.
     std::optional<transform> from_screen;
@@ -62,7 +65,7 @@ struct measure_job {
     std::optional<double> z;  ///< height at which the image was taken; makes the points 3D
     std::vector<measure_tool> tools;
 
-    /// Mean length of a pixel in the results.
+    /// Length of a pixel in the results: the side of a square of its area; 1 without a transform.
     double pixel_length() const;
 };
 

@@ -75,7 +75,7 @@ bool read_frame(job_object const& object, measure_job& job) {
         return false;
     if (!pixel.empty() && object.has("transform"))
         return object.fail("transform",
-                           "pixel leads from the screen to the results as well; give one of them");
+                           "goes without pixel, which leads from the screen to the results as well");
     if (!pixel.empty() && !pixel_transform(pixel, job.from_screen, why)) return object.fail("pixel", why);
     if (!z.empty()) job.z = z[0];
     if (object.has("flatness") && z.empty())
@@ -120,9 +120,9 @@ bool read_tool(json const& value, std::size_t index, job_origin& origin, known_t
     std::string const place = "tools[" + std::to_string(index) + "]";
     job_object object(value, place, origin);
     std::string words, nominal, why;
-    if (!object.has_only(tool_keys) || !object.read_label("name", longest_name, tool.name)) return false;
+    if (!object.read_label("name", longest_name, tool.name)) return false;
     if (!tool.name.empty()) object.set_place(place + " '" + tool.name + "'");
-    if (!object.read_text("feature", words)) return false;
+    if (!object.has_only(tool_keys) || !object.read_text("feature", words)) return false;
     if (words.empty()) return object.fail("feature", "is missing");
     if (!set_place(words, tool, why)) return object.fail("feature", why);
     if (!name_tool(object, index, known, tool) || !read_edges(object, tool.edges) ||

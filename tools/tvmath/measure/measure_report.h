@@ -32,4 +32,9 @@ std::string edge_table(measure_report const& report);
 /// A line for each feature: its name and the text form of its record, as `tvmath show` reads it.
 std::string record_table(measure_report const& report);
 
+/// A row x, y or x, y, z for the place of each feature, in the order of the job: a list of points, as fits
+/// and calibrations read them. Returns true and sets `table`; false, with the name in `reason`, when a
+/// feature was not found, since the rows after it would stand for others.
+bool center_table(measure_report const& report, std::string& table, std::string& reason);
+
 }  // namespace tvmath

@@ -20,6 +20,7 @@ struct measure_request {
     std::string plot = {};     ///< the sheet
     std::string points = {};   ///< table of edge points
     std::string records = {};  ///< texts of the features
+    std::string centers = {};  ///< table of their places
     bool json = false;
 };
 

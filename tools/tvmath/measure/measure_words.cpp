@@ -21,7 +21,7 @@ edge_setting const edge_setting_rows[] = {{"search", &edge_settings::search, 2, 
                                           {"outliers", &edge_settings::outliers, 2, 100, true}};
 
 // Far beyond any image, and a bound of how many places an outline has.
-constexpr double largest_place = 1e5;
+constexpr int largest_place = 100'000;
 constexpr std::size_t longest_words = 400;
 
 // A kind of feature that edges are looked for along. Its numbers are those of `record_forms`, the place among
@@ -70,7 +70,8 @@ place_rule const* find_rule(fit_kind const* kind) {
 }
 
 bool is_short(std::string const& words, std::string& reason) {
-    if (words.size() > longest_words) reason = "these words are too long for a feature: " + tvmath::quoted(words);
+    if (words.size() > longest_words)
+        reason = "these words are too long for a feature: " + tvmath::quoted(words);
     return words.size() <= longest_words;
 }
 
@@ -86,7 +87,7 @@ bool check_place(place_rule const& rule, numbers const& values, std::string& rea
         reason = std::string(rule.kind) + " takes " + rule.parameters + ", in pixels; these are " +
                  std::to_string(values.size()) + " numbers";
     } else if (!std::all_of(values.begin(), values.end(), is_near)) {
-        reason = "lies or reaches farther than " + number_text(largest_place) + " pixels";
+        reason = "lies or reaches farther than " + std::to_string(largest_place) + " pixels";
     }
     return reason.empty() && has_extent(rule, values, reason);
 }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "report/number_text.h"
+
 inline namespace tvmath {
 namespace {
 
@@ -70,20 +72,11 @@ std::string decimal_text(double x, int decimals) {
 }
 
 std::string fixed_text(double x, int decimals) {
-    double const size = std::fabs(x);
-    if (size >= 1e15) return short_text(x, 15);
-    int const whole = size >= 1 ? static_cast<int>(std::floor(std::log10(size))) : 0;
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", std::clamp(decimals, 0, 16 - whole), x);
-    std::string const shown = text;
-    bool const is_zero = shown.find_first_of("123456789") == std::string::npos;
-    return printed(is_zero && shown[0] == '-' ? shown.substr(1) : shown);
+    return printed(fixed_number(x, decimals));
 }
 
 std::string short_text(double x, int digits) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.*g", digits, x);
-    return printed(text);
+    return printed(short_number(x, digits));
 }
 
 plot_axis make_axis(double origin, double low, double high, double step) {

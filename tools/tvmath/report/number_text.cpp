@@ -1,6 +1,8 @@
 #include "number_text.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 
 inline namespace tvmath {
 
@@ -14,6 +16,24 @@ std::string number_text(double x) {
         text.insert(exponent == std::string::npos ? text.size() : exponent, ".0");
     }
     return text;
+}
+
+std::string fixed_number(double x, int decimals) {
+    double const size = std::fabs(x);
+    if (!(size < 1e15)) return short_number(x, 15);
+    int const whole = size >= 1 ? static_cast<int>(std::floor(std::log10(size))) : 0;
+    char buffer[40];
+    auto const end = std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed,
+                                   std::clamp(decimals, 0, 16 - whole))
+                         .ptr;
+    std::string const text(buffer, end);
+    bool const is_zero = text.find_first_of("123456789") == std::string::npos;
+    return is_zero && text[0] == '-' ? text.substr(1) : text;
+}
+
+std::string short_number(double x, int digits) {
+    char buffer[40];
+    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::general, digits).ptr};
 }
 
 }  // namespace tvmath
