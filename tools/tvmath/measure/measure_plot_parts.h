@@ -50,6 +50,8 @@ public:
 
     /// Better not covered.
     void avoid(spot at) { avoided_.push_back(at); }
+    /// Never covered.
+    void block(spot middle, double width, double height);
     /// With `only_beside` it is also left out where it would stand apart or cover much.
     void put(name_tag const& tag, bool only_beside);
 

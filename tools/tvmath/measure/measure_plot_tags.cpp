@@ -66,6 +66,11 @@ canvas_path rectangle_path(double left, double top, double right, double bottom)
 
 }  // namespace
 
+void tag_placer::block(spot middle, double width, double height) {
+    taken_.push_back(
+        {middle.x - width / 2, middle.y - height / 2, middle.x + width / 2, middle.y + height / 2});
+}
+
 bool tag_placer::is_free(box const& b) const {
     spot const end = place_.corner + spot{place_.width, place_.height};
     if (b.left < place_.corner.x + inset || b.top < place_.corner.y + inset || b.right > end.x - inset ||
