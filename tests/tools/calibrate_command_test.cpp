@@ -11,6 +11,7 @@
 #include "calibrate/calibrate_plot_parts.h"
 #include "command_outcome.h"
 #include "record_files.h"
+#include "recording_canvas.h"
 #include "report/number_text.h"
 #include "support/seeded_random.h"
 
@@ -284,36 +285,6 @@ TEST_F(CalibrateCommand, SaysInOneLineWhyThereIsNoCorrector) {
     }
 }
 
-// Keeps lines and words.
-class recording_canvas : public canvas {
-public:
-    std::vector<spot> lines, places;
-    std::string said;
-
-    void stroke(canvas_path const& path, pen const&) override { keep(path, lines); }
-    void fill(canvas_path const& path, color) override { keep(path, places); }
-    void dots(std::vector<spot> const& at, double, color) override {
-        places.insert(places.end(), at.begin(), at.end());
-    }
-    void photograph(grey_picture const&, spot, double, double) override {}
-    void text(spot at, std::string const& words, text_style const&) override {
-        places.push_back(at);
-        said += words + '\n';
-    }
-    double text_width(std::string const& words, text_style const& style) override {
-        return 0.5 * style.size * static_cast<double>(words.size());
-    }
-    void begin_clip(spot, double, double) override {}
-    void end_clip() override {}
-    std::string finish() override { return {}; }
-
-private:
-    void keep(canvas_path const& path, std::vector<spot>& to) {
-        to.insert(to.end(), path.places().begin(), path.places().end());
-        places.insert(places.end(), path.places().begin(), path.places().end());
-    }
-};
-
 TEST_F(CalibrateCommand, DrawsArrowsAsLongAsItSays) {
     // dx = 2 pixels everywhere: T(0, u) alone.
     any_corrector two_right;
@@ -327,14 +298,14 @@ TEST_F(CalibrateCommand, DrawsArrowsAsLongAsItSays) {
     recording_canvas c;
     draw_field(c, result, {100, 50}, 452, 352);  // a margin of 26: 400 across for 640 pixels
     // Steps of 49.2 pixels hold 23 arrows of 2; 20 is the next round number. The bar is an arrow of 2 pixels.
-    EXPECT_NE(c.said.find("displacements, 20 times enlarged"), std::string::npos) << c.said;
-    EXPECT_NE(c.said.find("2 pixels"), std::string::npos);
+    EXPECT_TRUE(c.says("displacements, 20 times enlarged"));
+    EXPECT_TRUE(c.says("2 pixels"));
     double const length = 2 * 20 * 400.0 / 640;
     ASSERT_GE(c.lines.size(), 2u);
     spot const tail = c.lines[c.lines.size() - 2], neck = c.lines.back();
     EXPECT_NEAR(neck.x - tail.x, length - 4.6, 1e-9);  // less the head
     draw_errors(c, result, {600, 50}, 150, 400);
-    EXPECT_NE(c.said.find("Before: rms 5, largest 5"), std::string::npos) << c.said;
+    EXPECT_TRUE(c.says("Before: rms 5, largest 5"));
     for (spot const& p : c.places) EXPECT_TRUE(p.x > 0 && p.x < 842 && p.y > 0 && p.y < 595);
 }
 

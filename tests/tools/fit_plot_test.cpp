@@ -8,76 +8,16 @@
 #include "fit/fit_plot_parts.h"
 #include "fit/fit_view.h"
 #include "fit_cases.h"
+#include "recording_canvas.h"
 
 inline namespace tvmath {
 namespace {
-
-// Keeps what is drawn. Letters are as wide as those of a common font, a little generously.
-class recording_canvas : public canvas {
-public:
-    struct words {
-        std::string text;
-        double left, top, right, bottom;
-    };
-    std::vector<words> texts;
-    std::vector<spot> places;
-    std::size_t dot_count = 0;
-
-    void stroke(canvas_path const& path, pen const& with) override {
-        EXPECT_TRUE(std::isfinite(with.width) && with.width >= 0);
-        keep(path.places());
-    }
-    void fill(canvas_path const& path, color) override { keep(path.places()); }
-    void dots(std::vector<spot> const& at, double, color) override {
-        keep(at);
-        dot_count += at.size();
-    }
-    void photograph(grey_picture const&, spot, double, double) override {}
-    void text(spot at, std::string const& text, text_style const& style) override {
-        double width = text_width(text, style), height = 0.73 * style.size;
-        double left = at.x - style.across * width, bottom = at.y + style.up * height;
-        if (style.vertical) {
-            texts.push_back(
-                {text, at.x - height, at.y - (1 - style.across) * width, at.x, at.y + style.across * width});
-        } else {
-            texts.push_back({text, left, bottom - height, left + width, bottom});
-        }
-    }
-    double text_width(std::string const& text, text_style const& style) override {
-        auto const letters =
-            std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
-        return 0.58 * style.size * static_cast<double>(letters);
-    }
-    void begin_clip(spot, double, double) override {}
-    void end_clip() override {}
-    std::string finish() override { return {}; }
-
-    bool says(std::string const& part) const {
-        return std::any_of(texts.begin(), texts.end(),
-                           [&part](words const& w) { return w.text.find(part) != std::string::npos; });
-    }
-
-private:
-    void keep(std::vector<spot> const& at) { places.insert(places.end(), at.begin(), at.end()); }
-};
 
 // Everything is on the page, no text lies upon another, and what a reader needs is said.
 void expect_readable(fit_result const& result) {
     recording_canvas c;
     draw_fit(c, result);
-    for (spot const& p : c.places) ASSERT_TRUE(std::isfinite(p.x) && std::isfinite(p.y));
-    for (std::size_t i = 0; i < c.texts.size(); ++i) {
-        auto const& a = c.texts[i];
-        EXPECT_TRUE(a.left > 0 && a.top > 0 && a.right < fit_page_width && a.bottom < fit_page_height)
-            << a.text;
-        for (std::size_t k = 0; k < i; ++k) {
-            auto const& b = c.texts[k];
-            bool const apart =
-                a.right <= b.left || b.right <= a.left || a.bottom <= b.top || b.bottom <= a.top;
-            EXPECT_TRUE(apart || a.text.empty() || b.text.empty())
-                << '\'' << a.text << "' upon '" << b.text << '\'';
-        }
-    }
+    c.expect_readable(fit_page_width, fit_page_height);
     EXPECT_GT(c.dot_count, 0u);
     std::string const name =
         result.has_standard_names ? result.kind->form.symbol : "orm error";  // also at the start of a line

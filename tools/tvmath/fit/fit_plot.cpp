@@ -101,9 +101,9 @@ std::string names_of(std::string const& files) {
 std::string cut(canvas& c, std::string words, text_style const& style, double width) {
     if (c.text_width(words, style) <= width) return words;
     while (words.size() > 1 && c.text_width(words + " \u2026", style) > width) {
+        // All bytes of a character, of which the first one alone is no continuation.
+        while (words.size() > 1 && (words.back() & 0xC0) == 0x80) words.pop_back();
         words.pop_back();
-        // Not through the middle of a character.
-        while (!words.empty() && (words.back() & 0xC0) == 0x80) words.pop_back();
     }
     return words + " \u2026";
 }

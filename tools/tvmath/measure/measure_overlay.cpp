@@ -25,6 +25,18 @@ point at(spot p) {
     return point(true, p.x, p.y);
 }
 
+double length_of(std::vector<outline> const& outlines) {
+    double sum = 0;
+    for (outline const& o : outlines) {
+        std::size_t const n = o.at.size();
+        for (std::size_t i = 0; i + (o.closed ? 0 : 1) < n; ++i) {
+            spot const way = o.at[(i + 1) % n] - o.at[i];
+            sum += std::hypot(way.x, way.y);
+        }
+    }
+    return sum;
+}
+
 // Draws everything in lines that are as many times wider as the image is larger.
 class overlay_drawer {
 public:
@@ -46,7 +58,8 @@ public:
         }
         for (spot const& p : f.marks) cross(p, 5, colour);
         // Where edge points are close a cross at each would hide the line.
-        int const arm = f.tool->tool->edges.spacing >= least_spacing * width_ ? 1 : 0;
+        double const spacing = length_of(f.outlines) / static_cast<double>(f.edges.size());
+        int const arm = f.outlines.empty() || spacing >= least_spacing * width_ ? 1 : 0;
         for (drawn_edge const& e : f.edges)
             cross(e.at, e.kept ? arm : 4, e.kept ? kept_colour : dropped_colour);
     }
@@ -65,7 +78,9 @@ private:
     void line(std::vector<spot> const& places, unsigned long colour, int width, bool closed = false) {
         std::vector<point> points;
         for (spot const& p : places) points.push_back(at(p));
-        overlays.push_back(create_IDrawCallback(points, colour, width, closed, point()));
+        // An even pen lies half a pixel to the left and, since bitmaps count upward, below its pixel.
+        point const shift = width % 2 == 0 ? point(false, 0.5, -0.5) : point();
+        overlays.push_back(create_IDrawCallback(points, colour, width, closed, shift));
     }
 
     void cross(spot p, int arm, unsigned long colour) {

@@ -10,7 +10,8 @@ inline namespace tvmath {
 namespace {
 
 // Places on the page, whose height depends on the image and the table.
-constexpr double margin = 28, top = 64, legend_height = 30, width = fit_page_width - 2 * margin;
+constexpr double margin = 28, top = 64, legend_height = 30, bottom_margin = 24;
+constexpr double width = fit_page_width - 2 * margin;
 constexpr double tallest = 640;   // image
 constexpr double room = 15;       // points for the longest residual
 constexpr double least_room = 6;  // and pixels, for images that are large on the page
@@ -149,21 +150,34 @@ void draw_frame(canvas& c, image_place const& place) {
 
 }  // namespace
 
+measure_page make_measure_page(measure_frame const& frame, measure_report const& report) {
+    measure_page page;
+    page.place = place_of(report);
+    page.sheet = make_measure_sheet(report, frame.pixel_length());
+    page.height = std::ceil(top + page.place.height + legend_height + height_of(page.sheet) + bottom_margin);
+    return page;
+}
+
+void draw_measure_page(canvas& c, image const& scene, measure_frame const& frame,
+                       measure_report const& report, measure_page const& page) {
+    double const bottom = top + page.place.height, pixel = frame.pixel_length();
+    std::string const& unit = report.job->unit;
+    measure_drawing const drawing =
+        make_measure_drawing(frame, report, std::max(room / page.place.scale, least_room));
+    draw_title(c, report, frame, page.sheet);
+    draw_measure_scene(c, scene, frame, report, drawing, page.place);
+    draw_frame(c, page.place);
+    draw_legend(c, drawing, page.sheet, bottom + 16);
+    draw_scale_bar(c, page.place, pixel, unit, bottom + 16);
+    draw_measure_sheet(c, page.sheet, unit, {margin, bottom + legend_height}, width);
+}
+
 std::string measure_plot(image const& scene, measure_frame const& frame, measure_report const& report,
                          std::string const& suffix) {
-    image_place const place = place_of(report);
-    measure_sheet const sheet = make_measure_sheet(report, frame.pixel_length());
-    double const bottom = top + place.height, table_top = bottom + legend_height;
-    auto const c = make_canvas(suffix, fit_page_width, std::ceil(table_top + height_of(sheet) + margin));
+    measure_page const page = make_measure_page(frame, report);
+    auto const c = make_canvas(suffix, fit_page_width, page.height);
     if (!c) return {};
-    measure_drawing const drawing =
-        make_measure_drawing(frame, report, std::max(room / place.scale, least_room));
-    draw_title(*c, report, frame, sheet);
-    draw_measure_scene(*c, scene, frame, report, drawing, place);
-    draw_frame(*c, place);
-    draw_legend(*c, drawing, sheet, bottom + 16);
-    draw_scale_bar(*c, place, frame.pixel_length(), report.job->unit, bottom + 16);
-    draw_measure_sheet(*c, sheet, report.job->unit, {margin, table_top}, width);
+    draw_measure_page(*c, scene, frame, report, page);
     return c->finish();
 }
 

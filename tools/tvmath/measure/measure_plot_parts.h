@@ -50,7 +50,10 @@ public:
 
     /// Better not covered.
     void avoid(spot at) { avoided_.push_back(at); }
-    void put(name_tag const& tag);
+    /// Never covered.
+    void block(spot middle, double width, double height);
+    /// With `only_beside` it is also left out where it would stand apart or cover much.
+    void put(name_tag const& tag, bool only_beside);
 
 private:
     struct box {
@@ -103,5 +106,16 @@ measure_sheet make_measure_sheet(measure_report const& report, double pixel_leng
 double height_of(measure_sheet const& sheet);
 void draw_measure_sheet(canvas& c, measure_sheet const& sheet, std::string const& unit, spot corner,
                         double width);
+
+/// What stands where, on a page as wide as that of a fit.
+struct measure_page {
+    image_place place;
+    measure_sheet sheet;
+    double height = 0;
+};
+
+measure_page make_measure_page(measure_frame const& frame, measure_report const& report);
+void draw_measure_page(canvas& c, image const& scene, measure_frame const& frame,
+                       measure_report const& report, measure_page const& page);
 
 }  // namespace tvmath

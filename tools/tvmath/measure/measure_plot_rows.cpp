@@ -198,7 +198,8 @@ std::string summary_of(tally const& t, bool has_limits) {
         std::string const found = counted(t.all - t.missing, "feature", "features");
         return t.missing == 0 ? found : found + ", " + not_found;
     }
-    if (t.good() == t.all) return t.all == 1 ? "passes" : "all " + std::to_string(t.all) + " pass";
+    if (t.good() == t.all)
+        return t.all == 1 ? "passes" : t.all == 2 ? "both pass" : "all " + std::to_string(t.all) + " pass";
     if (t.all == 1) return t.missing > 0 ? "not found" : "fails";
     std::string text = std::to_string(t.good()) + " of " + counted(t.all, "passes", "pass");
     if (t.missing > 0) text += ", " + not_found;

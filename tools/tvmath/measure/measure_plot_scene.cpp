@@ -14,6 +14,7 @@ constexpr std::size_t most_failing_names = 24;
 constexpr double palest = 0.97, darkest = 0.32;  // of the photograph
 constexpr double obstacle_step = 4;              // points between the places that names keep clear of
 constexpr double least_whisker = 0.8;            // points; the outline covers shorter ones
+constexpr double large_scale = 3;                // points for a pixel
 constexpr color casing = {1, 1, 1, 0.75};
 
 // A pale copy, on which lines stand out, of pixels that are the means of squares of them.
@@ -83,6 +84,7 @@ public:
         c_.stroke(heads, {casing, 2.4});
         c_.stroke(lines, {axis_ink, 1.1});
         c_.fill(heads, axis_ink);
+        for (spot const& letter : letters) tags_.block(letter, 11, 11);
         c_.dots(letters, 5.5, casing);
         for (int i = 0; i < 2; ++i)
             c_.text(letters[static_cast<std::size_t>(i)] + spot{0, -0.5}, i == 0 ? "x" : "y",
@@ -95,11 +97,11 @@ public:
         for (drawn_feature const& f : drawing_.features) avoid(f);
         std::size_t failing = 0;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state != verdict::good && failing++ < most_failing_names) name(f);
+            if (f.state != verdict::good && failing++ < most_failing_names) name(f, only_failing);
         }
         if (only_failing) return;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state == verdict::good) name(f);
+            if (f.state == verdict::good) name(f, false);
         }
     }
 
@@ -175,7 +177,10 @@ private:
                 }
             }
         }
-        c_.dots(kept, 0.45, {1, 1, 1});
+        // Where pixels are large the points are seen to lie beside the line, so they need a rim of their own.
+        bool const is_large = place_.scale > large_scale;
+        if (is_large) c_.dots(kept, 2, feature_ink);
+        c_.dots(kept, is_large ? 1.1 : 0.45, {1, 1, 1});
         c_.stroke(dropped, {casing, 3});
         c_.stroke(dropped, {dropped_ink, 1.4});
     }
@@ -194,14 +199,14 @@ private:
         for (drawn_edge const& e : f.edges) tags_.avoid(at(e.kept ? drawing_.tip(e) : e.at));
     }
 
-    void name(drawn_feature const& f) {
+    void name(drawn_feature const& f, bool only_beside) {
         name_tag tag;
         tag.words = cut(c_, f.tool->tool->name, {.size = 8.5, .bold = true}, 140);
         tag.ink = ink_of(f.state);
         tag.is_filled = f.state != verdict::good;
         tag.outlines = on_page(f);
         for (spot const& p : f.marks) tag.marks.push_back(at(p));
-        tags_.put(tag);
+        tags_.put(tag, only_beside);
     }
 
     canvas& c_;

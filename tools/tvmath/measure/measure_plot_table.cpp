@@ -9,7 +9,7 @@ inline namespace tvmath {
 namespace {
 
 constexpr double row_height = 14.5, head_height = 20, rest_height = 17;
-constexpr double gauge_width = 92, most_gap = 30, widest_name = 150, widest_what = 104;
+constexpr double gauge_width = 92, least_gap = 6, most_gap = 30, widest_name = 150, widest_what = 104;
 constexpr double block_gap = 32, widest_divided_name = 96;
 constexpr std::size_t most_undivided = 6;
 constexpr text_style head_style = {.size = 8, .ink = faint_ink}, cell_style = {.size = 8.5, .ink = text_ink},
@@ -18,11 +18,14 @@ constexpr text_style head_style = {.size = 8, .ink = faint_ink}, cell_style = {.
 // How a column stands.
 enum class side { left, point, right };
 
+using row_text = std::string sheet_row::*;
+constexpr row_text no_text = nullptr;  // that of the gauge
+
 struct column {
     std::string head;
     side stands = side::point;
-    std::string sheet_row::*text = nullptr;  // null for the gauge
-    double whole = 0, part = 0;              // widths before the decimal point and from it on
+    row_text text = no_text;
+    double whole = 0, part = 0;  // widths before the decimal point and from it on
     double left = 0;
 
     double width() const { return whole + part; }
@@ -52,7 +55,7 @@ public:
               column{"center x, y", side::right, &sheet_row::place},
               column{"nominal", side::point, &sheet_row::nominal},
               column{"deviation", side::point, &sheet_row::deviation},
-              column{"tolerance", side::left, &sheet_row::tolerance}, column{"", side::left, nullptr},
+              column{"tolerance", side::left, &sheet_row::tolerance}, column{"", side::left, no_text},
               column{"form error", side::point, &sheet_row::form},
               column{"", side::right, &sheet_row::verdict}}) {
             if (is_used(col)) columns_.push_back(col);
@@ -129,18 +132,24 @@ private:
         col.whole = std::max(col.whole, c_.text_width(col.head, head_style) - col.part);
     }
 
-    void lay_out() {
+    double gap() const {
         double used = 0;
-        for (column& col : columns_) {
-            measure(col);
-            used += col.width();
+        for (column const& col : columns_) used += col.width();
+        return (width_ - used) / static_cast<double>(std::max<std::size_t>(columns_.size(), 2) - 1);
+    }
+
+    void lay_out() {
+        for (column& col : columns_) measure(col);
+        // Very long numbers leave no room for all columns.
+        for (auto const text : {no_text, &sheet_row::place, &sheet_row::nominal, &sheet_row::tolerance}) {
+            if (gap() < least_gap)
+                std::erase_if(columns_, [text](column const& col) { return col.text == text; });
         }
-        double const gaps = static_cast<double>(columns_.size()) - 1,
-                     gap = gaps > 0 ? std::clamp((width_ - used) / gaps, 6.0, most_gap) : 0;
+        double const between = std::clamp(gap(), least_gap, most_gap);
         double x = corner_.x;
         for (column& col : columns_) {
             col.left = x;
-            x += col.width() + gap;
+            x += col.width() + between;
         }
         // The verdicts stand at the border.
         if (!columns_.empty() && columns_.back().stands == side::right)

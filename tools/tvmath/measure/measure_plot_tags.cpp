@@ -15,6 +15,7 @@ constexpr double apart = 2;  // of two boxes
 constexpr double cost_of_avoided = 1.2;
 constexpr int places_around = 32;
 constexpr double line_from = 13;     // A box farther away has a line to what it names.
+constexpr double most_beside = 9;    // cost of a name that is only put beside
 constexpr double cost_beside = 2.5;  // against the middle of what is named
 
 spot unit(spot a) {
@@ -65,6 +66,11 @@ canvas_path rectangle_path(double left, double top, double right, double bottom)
 
 }  // namespace
 
+void tag_placer::block(spot middle, double width, double height) {
+    taken_.push_back(
+        {middle.x - width / 2, middle.y - height / 2, middle.x + width / 2, middle.y + height / 2});
+}
+
 bool tag_placer::is_free(box const& b) const {
     spot const end = place_.corner + spot{place_.width, place_.height};
     if (b.left < place_.corner.x + inset || b.top < place_.corner.y + inset || b.right > end.x - inset ||
@@ -108,7 +114,7 @@ void tag_placer::draw(name_tag const& tag) const {
     c_.text({b.left + pad, b.bottom - pad}, tag.words, style);
 }
 
-void tag_placer::put(name_tag const& tag) {
+void tag_placer::put(name_tag const& tag, bool only_beside) {
     width_ = c_.text_width(tag.words, tag_style) + 2 * pad;
     height_ = letters + 2 * pad;
     best_ = {};
@@ -142,7 +148,7 @@ void tag_placer::put(name_tag const& tag) {
                 beside(mark, unit({std::cos(k * pi / 6 - pi / 4), std::sin(k * pi / 6 - pi / 4)}), 0.1 * k);
         }
     }
-    if (!(best_.cost < infinity)) return;
+    if (!(best_.cost < (only_beside ? most_beside : infinity))) return;
     taken_.push_back(best_.at);
     draw(tag);
 }
