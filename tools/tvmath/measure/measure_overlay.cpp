@@ -15,9 +15,9 @@ namespace {
 constexpr unsigned long good_colour = 0x46D200, bad_colour = 0x2828FF, whisker_colour = 0xFFB428,
                         kept_colour = 0x00E1FF, dropped_colour = 0xFF00FF, axis_colour = 0x0090FF;
 
-constexpr double room = 30;            // pixels for the longest residual, where lines are one pixel wide
-constexpr int pixels_of_width = 1100;  // the longer side of an image for each pixel of a line's width
-constexpr double least_spacing = 9;    // pixels between edge points that have a cross
+constexpr double room = 30;               // pixels for the longest residual, where lines are one pixel wide
+constexpr double pixels_of_width = 1100;  // the longer side of an image for each pixel of a line's width
+constexpr double least_spacing = 9;       // pixels between edge points that have a cross
 
 using overlay_list = std::vector<ctl::ref<IDrawCallback>>;
 
@@ -128,7 +128,8 @@ rgb_picture picture_of(HBITMAP__ const* bitmap) {
 }  // namespace
 
 std::string overlay_png(image const& scene, measure_frame const& frame, measure_report const& report) {
-    int const width = 1 + static_cast<int>(std::max(report.width, report.height)) / pixels_of_width;
+    double const size = std::max(report.width, report.height);
+    int const width = std::max(1, static_cast<int>(std::lround(size / pixels_of_width)));
     measure_drawing const drawing = make_measure_drawing(frame, report, room * width);
     overlay_drawer drawer(width);
     if (report.job->from_screen) drawer.add_axes(frame);
