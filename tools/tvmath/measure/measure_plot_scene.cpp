@@ -9,6 +9,7 @@ namespace {
 
 constexpr unsigned int most_pixels = 1600;  // across; more would make large files that show no more
 constexpr std::size_t most_edges = 20000;   // that are drawn
+constexpr std::size_t most_cased = 1000;    // features with a pale rim: It makes large files larger.
 constexpr std::size_t most_names = 40;      // of tools; of more those that fail have one
 constexpr std::size_t most_failing_names = 24;
 constexpr double palest = 0.97, darkest = 0.32;  // of the photograph
@@ -153,7 +154,7 @@ private:
                 path.line_to(p + spot{0, arm});
             }
         }
-        c_.stroke(all, {casing, 3.4});
+        if (drawing_.features.size() <= most_cased) c_.stroke(all, {casing, 3.4});
         for (canvas_path const& path : marks) c_.stroke(path, {casing, 2.8});
         c_.stroke(good, {good_ink, 1.8});
         c_.stroke(bad, {bad_ink, 2.0});
