@@ -54,7 +54,7 @@ std::string measure_layout::titles_of(std::vector<measure_row> const& rows) cons
     for (std::size_t c = 0; c < measure_columns; ++c) {
         bool const is_filled =
             std::any_of(rows.begin(), rows.end(), [c](measure_row const& r) { return !r.cells[c].empty(); });
-        if (is_filled) put(line, end_[c] - titles[c].size(), titles[c]);
+        if (is_filled && !titles[c].empty()) put(line, end_[c] - titles[c].size(), titles[c]);
     }
     return line.ends_with(titles[column_measured]) ? std::string() : line;
 }

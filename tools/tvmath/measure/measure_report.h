@@ -26,10 +26,11 @@ void write_text(std::ostream& out, measure_report const& report);
 void write_json(std::ostream& out, measure_report const& report);
 
 /// A row for each edge point: tool, index from 1, place in the image, place in the results, residual,
-/// contrast, kept (1 or 0).
+/// contrast, kept (1 or 0). Places in the results are 3D when the job says a height.
 std::string edge_table(measure_report const& report);
 
-/// A line for each feature: its name and the text form of its record, as `tvmath show` reads it.
+/// A line for each feature that was found: its name, a tab, and the text form of its record, as `tvmath show`
+/// reads it.
 std::string record_table(measure_report const& report);
 
 /// A row x, y or x, y, z for the place of each feature, in the order of the job: a list of points, as fits

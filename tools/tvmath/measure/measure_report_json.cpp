@@ -32,7 +32,7 @@ json_value object_of(measured_tool const& measured) {
     json_value object;
     object["name"] = tool.name;
     object["kind"] = tool.kind->name;
-    object["tool"] = tool.words;
+    object["words"] = tool.words;
     object["passed"] = or_null(has_passed(measured));
     object["reason"] = or_null(measured.reason);
     object["places"] = measured.stations;

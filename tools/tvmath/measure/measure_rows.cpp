@@ -1,6 +1,7 @@
 #include "measure/measure_rows.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <string_view>
 
@@ -12,7 +13,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr int angle_decimals = 4;
+constexpr int angle_decimals = 4, most_decimals = 12;
 
 // The ends of lines and arcs are those of the nominal feature; the others say again what stands beside them.
 struct left_out_figure {
@@ -39,14 +40,30 @@ std::string with_sign(std::string const& text) {
     return is_zero || text[0] == '-' ? text : '+' + text;
 }
 
+bool is_angle(figure const& f) {
+    return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
+}
+
+bool is_kept(tolerance_limit const& limit, std::string const& number) {
+    double value = 0;
+    std::from_chars(number.data(), number.data() + number.size(), value);
+    return limit.lower <= value && value <= limit.upper;
+}
+
+// The number that decides, with more decimals where it would seem to contradict its verdict.
+std::string text_of(tolerance_check const& check, int decimals) {
+    if (!std::isfinite(check.value)) return "-";
+    for (int more = decimals; more <= most_decimals; ++more) {
+        std::string text = fixed_number(check.value, more);
+        if (is_kept(check.limit, text) == check.passed) return text;
+    }
+    return fixed_number(check.value, decimals);
+}
+
 class row_list {
 public:
     row_list(measured_tool const& measured, int decimals)
-        : tool_(*measured.tool),
-          fit_(*measured.fit),
-          checks_(measured.checks),
-          is_listed_(checks_.size()),
-          decimals_(decimals) {
+        : tool_(*measured.tool), fit_(*measured.fit), checks_(measured.checks), decimals_(decimals) {
         if (tool_.nominal) nominal_ = figures_of(*tool_.nominal);
     }
 
@@ -54,23 +71,11 @@ public:
 
     void list() {
         for (figure const& f : fit_.figures) add_figure(f);
-        // A fit without points to spare leaves no errors.
-        bool const has_errors = !fit_.degrees_of_freedom || *fit_.degrees_of_freedom > 0;
-        if (has_errors) {
-            bool const is_to_nominal = fit_.nominal && fit_.nominal->profile_error;
-            add_error(form_label(fit_), fit_.form_error, "form");
-            add_error(is_to_nominal ? "profile to nominal" : "profile error",
-                      is_to_nominal ? *fit_.nominal->profile_error : fit_.profile_error, "profile");
-            if (fit_.standard_deviation)
-                add_error("standard deviation", *fit_.standard_deviation, "standard_deviation");
-        }
-        // No limit goes unseen.
-        for (std::size_t i = 0; i < checks_.size(); ++i) {
-            if (is_listed_[i]) continue;
-            measure_row& other = row(checks_[i].limit.figure);
-            other.cells[column_measured] = text(checks_[i].value);
-            add_limits(other, checks_[i], checks_[i].limit.lower < 0);
-        }
+        bool const is_to_nominal = fit_.nominal && fit_.nominal->profile_error;
+        add_error(form_label(fit_), fit_.form_error, "form");
+        add_error(is_to_nominal ? "profile to nominal" : "profile error",
+                  is_to_nominal ? *fit_.nominal->profile_error : fit_.profile_error, "profile");
+        add_error("standard deviation", fit_.standard_deviation.value_or(std::nan("")), "standard_deviation");
     }
 
 private:
@@ -82,21 +87,15 @@ private:
         return rows.back();
     }
 
-    tolerance_check const* find_check(std::string const& name) {
-        for (std::size_t i = 0; i < checks_.size(); ++i) {
-            if (checks_[i].limit.figure != name) continue;
-            is_listed_[i] = true;
-            return &checks_[i];
-        }
-        return nullptr;
+    tolerance_check const* find_check(std::string const& name) const {
+        auto const found = std::find_if(checks_.begin(), checks_.end(),
+                                        [&](tolerance_check const& c) { return c.limit.figure == name; });
+        return found == checks_.end() ? nullptr : &*found;
     }
-
-    std::string text(double x) const { return std::isfinite(x) ? fixed_number(x, decimals_) : "-"; }
 
     // The numbers of a figure, each in its row.
     void put(figure const& f, measure_column column) {
-        bool const is_angle = f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
-        int const decimals = is_angle ? angle_decimals : decimals_;
+        int const decimals = is_angle(f) ? angle_decimals : decimals_;
         for (report_row const& r :
              tvmath::rows_of({f}, false, [decimals](double x) { return fixed_number(x, decimals); }))
             row(r.label).cells[column] = column == column_deviation ? with_sign(r.number) : r.number;
@@ -110,25 +109,29 @@ private:
         if (figure const* const n = find(nominal_, f.label)) put(*n, column_nominal);
         if (deviation) put(*deviation, column_deviation);
         if (!check) return;
-        if (f.kind == figure_kind::location) {
-            measure_row& offset = row(f.label + " offset");
-            offset.cells[column_deviation] = text(check->value);
-            add_limits(offset, *check, false);
-        } else {
-            add_limits(rows.back(), *check, true);
-        }
+        // A place has one distance from where it should be.
+        bool const is_place = f.kind == figure_kind::location;
+        measure_row& checked = is_place ? row(f.label + " offset") : rows.back();
+        std::string const text =
+            text_of(*check, is_angle(deviation ? *deviation : f) ? angle_decimals : decimals_);
+        checked.cells[column_deviation] = is_place ? text : with_sign(text);
+        add_limits(checked, *check, !is_place);
     }
 
+    // Where no point is to spare there are no errors, unless somebody asks.
     void add_error(std::string const& label, double value, char const* limit) {
+        tolerance_check const* const check = find_check(limit);
+        bool const has_errors = !fit_.degrees_of_freedom || *fit_.degrees_of_freedom > 0;
+        if (!check && !(has_errors && std::isfinite(value))) return;
         measure_row& error = row(label);
-        error.cells[column_measured] = text(value);
-        if (tolerance_check const* const check = find_check(limit)) add_limits(error, *check, false);
+        error.cells[column_measured] = check ? text_of(*check, decimals_) : fixed_number(value, decimals_);
+        if (check) add_limits(error, *check, false);
     }
 
     // Limits have their own digits: rounded ones would not be those that decide.
     static void add_limits(measure_row& to, tolerance_check const& check, bool has_lower) {
-        if (has_lower) to.cells[column_lower] = with_sign(number_text(check.limit.lower));
         std::string const upper = number_text(check.limit.upper);
+        if (has_lower) to.cells[column_lower] = with_sign(number_text(check.limit.lower));
         to.cells[column_upper] = has_lower ? with_sign(upper) : upper;
         to.verdict = check.passed ? "pass" : "FAIL";
     }
@@ -136,7 +139,6 @@ private:
     measure_tool const& tool_;
     fit_result const& fit_;
     std::vector<tolerance_check> const& checks_;
-    std::vector<bool> is_listed_;
     std::vector<figure> nominal_;
     int decimals_;
 };
@@ -146,7 +148,7 @@ private:
 int decimals_for(double pixel_length) {
     // 0.005 / 500 is a rounding away from a power of ten.
     double const decimals = std::ceil(-std::log10(pixel_length / 500) - 1e-9);
-    return decimals > 0 ? static_cast<int>(std::min(decimals, 12.0)) : 0;
+    return decimals > 0 ? static_cast<int>(std::min<double>(decimals, most_decimals)) : 0;
 }
 
 std::vector<measure_row> rows_of(measured_tool const& measured, int decimals) {
