@@ -124,7 +124,7 @@ TEST(MeasurePlot, WhiskersLeadFromTheFeatureThroughThePoint) {
             s.finish();
             measure_drawing const d = make_measure_drawing(s.frame(), s.report, 30);
             for (drawn_feature const& f : d.features) {
-                ASSERT_EQ(f.state, verdict::good);
+                ASSERT_EQ(f.state, verdict::without_limits);
                 for (drawn_edge const& e : f.edges) {
                     spot const end = e.kept ? e.foot + e.away - e.at : e.away;
                     EXPECT_NEAR(length(end), 0, 2e-4 * (1 + wave));
@@ -207,7 +207,7 @@ TEST(MeasurePlot, RowsSayWhatFailedAndTheRestIsSummedUp) {
     s.job.tools[22].nominal = record_of("circle 0.39 -1.6 -2");
     s.finish();
     measure_sheet const sheet = make_measure_sheet(s.report, s.frame().pixel_length());
-    EXPECT_EQ(sheet.summary, "23 of 25 pass, 1 not found");
+    EXPECT_EQ(sheet.summary, "23 of 25 pass, 1 not measured");
     EXPECT_EQ(sheet.failing, "hole 23, hole 24 fail");
     EXPECT_EQ(sheet.rest, "and 5 more, all pass");
     ASSERT_EQ(sheet.rows.size(), 20u);
@@ -219,7 +219,7 @@ TEST(MeasurePlot, RowsSayWhatFailedAndTheRestIsSummedUp) {
     EXPECT_EQ(sheet.rows[0].tolerance, "\u00b1 0.005");
     EXPECT_EQ(sheet.rows[0].form, "0.00020");  // twice the wave of 0.01 pixel
     EXPECT_EQ(sheet.rows[0].verdict, "FAIL");
-    EXPECT_EQ(sheet.rows[1].verdict, "NOT FOUND");
+    EXPECT_EQ(sheet.rows[1].verdict, "NOT MEASURED");
     EXPECT_EQ(sheet.rows[1].reason, "an edge was found at 0 of 30 places");
     EXPECT_EQ(sheet.rows[2].name, "hole 1");
     EXPECT_EQ(sheet.rows[2].verdict, "PASS");

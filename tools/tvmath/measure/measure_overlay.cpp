@@ -49,9 +49,9 @@ public:
         for (drawn_edge const& e : f.edges) {
             if (e.kept && drawing.factor > 0) line({e.foot, drawing.tip(e)}, whisker_colour, width_);
         }
-        unsigned long const colour = f.state == verdict::good ? good_colour : bad_colour;
+        unsigned long const colour = f.is_good() ? good_colour : bad_colour;
         for (outline const& o : f.outlines) {
-            if (f.state == verdict::missing) {
+            if (f.state == verdict::not_measured) {
                 dashes(o, colour);
             } else {
                 line(o.at, colour, 2 * width_, o.closed);

@@ -99,11 +99,11 @@ public:
         for (drawn_feature const& f : drawing_.features) avoid(f);
         std::size_t failing = 0;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state != verdict::good && failing++ < most_failing_names) name(f, only_failing);
+            if (!f.is_good() && failing++ < most_failing_names) name(f, only_failing);
         }
         if (only_failing) return;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state == verdict::good) name(f, false);
+            if (f.is_good()) name(f, false);
         }
     }
 
@@ -136,7 +136,7 @@ private:
     void draw_outlines() {
         canvas_path all, good, bad, missing, marks[2];
         for (drawn_feature const& f : drawing_.features) {
-            canvas_path& own = f.state == verdict::good ? good : f.state == verdict::bad ? bad : missing;
+            canvas_path& own = f.is_good() ? good : f.state == verdict::fail ? bad : missing;
             for (outline const& o : f.outlines) {
                 for (canvas_path* const path : {&all, &own}) {
                     path->interrupt();
@@ -146,7 +146,7 @@ private:
             }
             double const arm = f.outlines.empty() ? 5 : 3;
             for (spot const& mark : f.marks) {
-                canvas_path& path = marks[f.state == verdict::good ? 0 : 1];
+                canvas_path& path = marks[f.is_good() ? 0 : 1];
                 spot const p = at(mark);
                 path.move_to(p - spot{arm, 0});
                 path.line_to(p + spot{arm, 0});
@@ -204,8 +204,8 @@ private:
     void name(drawn_feature const& f, bool only_beside) {
         name_tag tag;
         tag.words = cut(c_, f.tool->tool->name, {.size = 8.5, .bold = true}, 140);
-        tag.ink = ink_of(f.state);
-        tag.is_filled = f.state != verdict::good;
+        tag.ink = ink_of(f.is_good());
+        tag.is_filled = !f.is_good();
         tag.outlines = on_page(f);
         for (spot const& p : f.marks) tag.marks.push_back(at(p));
         tags_.put(tag, only_beside);
