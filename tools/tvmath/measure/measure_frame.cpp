@@ -11,7 +11,7 @@ point measure_frame::to_result(point const& seen) const {
     point const on_screen = seen - middle_;
     point place = on_screen * job_.screen;
     if (job_.z) {
-        place.promote2d();
+        place.promote3d();
         place.z() = *job_.z + job_.flatness.get_focus_correction(on_screen);
     }
     place = job_.from_screen ? place * *job_.from_screen : place + middle_;

@@ -59,7 +59,7 @@ private:
     bool find_coarsely() {
         std::vector<edge_window> const windows = edge_stations(tool_, scene_);
         result_.stations = windows.size();
-        if (windows.empty()) return fail("no edge is seen about the point, so give its direction");
+        if (windows.empty()) return fail("the window that would tell its direction leaves the image");
         for (edge_window const& w : windows) {
             found_edge e;
             if (!find_edge(scene_, w, tool_.edges, e)) continue;
