@@ -181,7 +181,7 @@ drawn_feature draw_tool(image_map map, measured_tool const& t, double room, doub
                         double& largest) {
     drawn_feature f;
     f.tool = &t;
-    f.state = !t.fit ? verdict::missing : t.passed() ? verdict::good : verdict::bad;
+    f.state = verdict_of(t);
     if (!t.fit) {
         add_nominal(t, f);
         add_edges(map, {}, t, f);

@@ -3,17 +3,10 @@
 #include <vector>
 
 #include "measure/measure_frame.h"
-#include "measure/measure_report.h"
+#include "measure/measure_verdict.h"
 #include "plot/outline.h"
 
 inline namespace tvmath {
-
-/// What a feature's colour says.
-enum class verdict {
-    good,    ///< keeps its limits, or has none
-    bad,     ///< breaks one
-    missing  ///< There is no feature.
-};
 
 /// An edge point in the plane of the image.
 struct drawn_edge {
@@ -26,10 +19,13 @@ struct drawn_edge {
 /// A tool as it is drawn over the image, in the image's plane: y downward.
 struct drawn_feature {
     measured_tool const* tool = nullptr;
-    verdict state = verdict::good;
-    std::vector<outline> outlines;  ///< of the fitted feature; of the nominal place when it is missing
+    verdict state = verdict::pass;
+    std::vector<outline> outlines;  ///< of the fitted feature; where it was looked for when there is none
     std::vector<spot> marks;        ///< points, and the middle of round features
     std::vector<drawn_edge> edges;
+
+    /// Green: Also without limits there is nothing to complain of.
+    bool is_good() const { return state == verdict::pass || state == verdict::without_limits; }
 };
 
 /// All that is drawn over an image.

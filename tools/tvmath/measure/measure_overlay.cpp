@@ -15,9 +15,10 @@ namespace {
 constexpr unsigned long good_colour = 0x46D200, bad_colour = 0x2828FF, whisker_colour = 0xFFB428,
                         kept_colour = 0x00E1FF, dropped_colour = 0xFF00FF, axis_colour = 0x0090FF;
 
-constexpr double room = 30;            // pixels for the longest residual, where lines are one pixel wide
-constexpr int pixels_of_width = 1100;  // the longer side of an image for each pixel of a line's width
-constexpr double least_spacing = 9;    // pixels between edge points that have a cross
+constexpr double room = 30;              // pixels for the longest residual,
+constexpr double pixels_of_room = 1280;  // and as much again for each time that the image is longer
+constexpr double pixels_of_width = 800;  // the longer side of an image for each pixel of a line's width
+constexpr double least_spacing = 9;      // pixels between edge points that have a cross
 
 using overlay_list = std::vector<ctl::ref<IDrawCallback>>;
 
@@ -48,15 +49,15 @@ public:
         for (drawn_edge const& e : f.edges) {
             if (e.kept && drawing.factor > 0) line({e.foot, drawing.tip(e)}, whisker_colour, width_);
         }
-        unsigned long const colour = f.state == verdict::good ? good_colour : bad_colour;
+        unsigned long const colour = f.is_good() ? good_colour : bad_colour;
         for (outline const& o : f.outlines) {
-            if (f.state == verdict::missing) {
+            if (f.state == verdict::not_measured) {
                 dashes(o, colour);
             } else {
                 line(o.at, colour, 2 * width_, o.closed);
             }
         }
-        for (spot const& p : f.marks) cross(p, 5, colour);
+        for (spot const& p : f.marks) cross(p, f.outlines.empty() ? 5 : 3, colour);
         // Where edge points are close a cross at each would hide the line.
         double const spacing = length_of(f.outlines) / static_cast<double>(f.edges.size());
         int const arm = f.outlines.empty() || spacing >= least_spacing * width_ ? 1 : 0;
@@ -128,8 +129,10 @@ rgb_picture picture_of(HBITMAP__ const* bitmap) {
 }  // namespace
 
 std::string overlay_png(image const& scene, measure_frame const& frame, measure_report const& report) {
-    int const width = 1 + static_cast<int>(std::max(report.width, report.height)) / pixels_of_width;
-    measure_drawing const drawing = make_measure_drawing(frame, report, room * width);
+    double const size = std::max(report.width, report.height);
+    int const width = std::max(1, static_cast<int>(std::lround(size / pixels_of_width)));
+    measure_drawing const drawing =
+        make_measure_drawing(frame, report, room * std::max(1.0, size / pixels_of_room));
     overlay_drawer drawer(width);
     if (report.job->from_screen) drawer.add_axes(frame);
     for (drawn_feature const& f : drawing.features) drawer.add(f, drawing);

@@ -42,8 +42,8 @@ void draw_title(canvas& c, measure_report const& report, measure_frame const& fr
                 measure_sheet const& sheet) {
     text_style const big = {.size = 17, .ink = text_ink, .bold = true}, name = {.size = 12, .ink = text_ink},
                      small = {.size = 9.5, .ink = faint_ink};
-    text_style result = {.size = 15, .ink = ink_of(sheet.state), .bold = true, .across = 1};
-    if (!sheet.has_limits && sheet.state == verdict::good) result.ink = text_ink;
+    text_style result = {.size = 15, .ink = ink_of(sheet.is_good), .bold = true, .across = 1};
+    if (!sheet.has_limits && sheet.is_good) result.ink = text_ink;
     text_style const failing = {.size = 9.5, .ink = bad_ink, .across = 1};
     double const right = margin + width, result_width = c.text_width(sheet.summary, result);
     std::string const title = "Measured features";
@@ -100,18 +100,17 @@ private:
 };
 
 void draw_legend(canvas& c, measure_drawing const& drawing, measure_sheet const& sheet, double y) {
-    auto const has = [&drawing](verdict state) {
-        return std::any_of(drawing.features.begin(), drawing.features.end(),
-                           [state](drawn_feature const& f) { return f.state == state; });
-    };
+    bool has_good = false, has_bad = false, has_missing = false;
+    for (drawn_feature const& f : drawing.features)
+        (f.is_good() ? has_good : f.state == verdict::fail ? has_bad : has_missing) = true;
     legend l(c, y);
-    if (has(verdict::good)) l.add_line({good_ink, 1.8}, sheet.has_limits ? "passes" : "fitted feature");
-    if (has(verdict::bad)) l.add_line({bad_ink, 2}, "fails");
-    if (has(verdict::missing)) l.add_line({bad_ink, 1.5, 4}, "not found");
+    if (has_good) l.add_line({good_ink, 1.8}, sheet.has_limits ? "passes" : "fitted feature");
+    if (has_bad) l.add_line({bad_ink, 2}, "fails");
+    if (has_missing) l.add_line({bad_ink, 1.5, 4}, "not measured");
     if (!shows_edges(drawing)) return;
-    if (has(verdict::good)) {
+    if (has_good) {
         l.add_beads(good_ink, "edge points");
-    } else if (has(verdict::bad)) {
+    } else if (has_bad) {
         l.add_beads(bad_ink, "edge points");
     }
     if (drawing.has_dropped()) l.add_cross(dropped_ink, "dropped as outliers");

@@ -13,8 +13,8 @@ constexpr color good_ink = {0.00, 0.58, 0.32}, bad_ink = {0.84, 0.12, 0.10};
 constexpr color whisker_ink = {0.10, 0.30, 0.80}, dropped_ink = {0.95, 0.45, 0.00},
                 axis_ink = {0.45, 0.10, 0.60};
 
-inline color ink_of(verdict state) {
-    return state == verdict::good ? good_ink : bad_ink;
+inline color ink_of(bool is_good) {
+    return is_good ? good_ink : bad_ink;
 }
 
 /// The image on the page.
@@ -93,7 +93,7 @@ struct measure_sheet {
     std::string rest;     ///< what is said of those without a row
     std::string summary;  ///< "15 of 16 pass"
     std::string failing;  ///< "hole C fails"; empty where all is well
-    verdict state = verdict::good;
+    bool is_good = true;  ///< All features were found and keep their limits.
     bool has_limits = false;
 
     /// Short rows stand in two blocks beside each other.

@@ -5,6 +5,7 @@
 #include "fit/fit_report.h"
 #include "measure/measure_checks.h"
 #include "measure/measure_plot_parts.h"
+#include "measure/measure_rows.h"
 #include "report/figure_json.h"
 #include "tvmath/scalar.h"
 
@@ -12,6 +13,7 @@ inline namespace tvmath {
 namespace {
 
 constexpr std::size_t most_rows = 20, most_rows_of_one = 3, most_named = 3;
+constexpr int angle_decimals = 4;
 
 // What a feature is asked for first, by the names of its figures.
 std::vector<std::string> main_figures(fit_result const& fit) {
@@ -37,11 +39,14 @@ bool is_angle(figure const& f) {
     return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
 }
 
+template <class test>
+figure const* find(std::vector<figure> const& figures, test const& is_wanted) {
+    auto const found = std::find_if(figures.begin(), figures.end(), is_wanted);
+    return found == figures.end() ? nullptr : &*found;
+}
+
 figure const* find(std::vector<figure> const& figures, std::string const& name) {
-    for (figure const& f : figures) {
-        if (figure_key(f) == name) return &f;
-    }
-    return nullptr;
+    return find(figures, [&name](figure const& f) { return figure_key(f) == name; });
 }
 
 tolerance_check const* find(std::vector<tolerance_check> const& checks, std::string const& name) {
@@ -51,8 +56,7 @@ tolerance_check const* find(std::vector<tolerance_check> const& checks, std::str
     return nullptr;
 }
 
-std::string signed_text(double x, int decimals) {
-    std::string const text = fixed_text(x, decimals);
+std::string with_sign(double x, std::string const& text) {
     return x > 0 && text.find_first_of("123456789") != std::string::npos ? "+" + text : text;
 }
 
@@ -85,7 +89,7 @@ public:
         }
         if (rows.empty()) rows.emplace_back();
         rows.front().name = tool_.tool->name;
-        figure const* const center = find(fit_.figures, "center");
+        figure const* const center = find(fit_.figures, std::string("center"));
         if (center && rows.front().what != "center") rows.front().place = text_of(*center);
         if (fit_.count > 1) rows.front().form = fixed_text(fit_.form_error, decimals_);
         tolerance_check const* const form = find(tool_.checks, "form");
@@ -97,7 +101,7 @@ public:
 
 private:
     std::string number(figure const& f, double x) const {
-        return is_angle(f) ? fixed_text(x * (180 / pi), 4) + "\u00b0" : fixed_text(x, decimals_);
+        return is_angle(f) ? fixed_text(x * (180 / pi), angle_decimals) + "\u00b0" : fixed_text(x, decimals_);
     }
 
     std::string text_of(figure const& f) const {
@@ -107,18 +111,24 @@ private:
         return text;
     }
 
-    void write_limit(tolerance_check const& c, int decimals, std::string const& unit, sheet_row& row) const {
+    void write_limit(tolerance_check const& c, std::string const& unit, sheet_row& row) const {
         double const low = c.limit.lower, high = c.limit.upper;
         row.ink = c.passed ? good_ink : bad_ink;
         row.has_gauge = std::isfinite(c.value) && high > low;
         row.value = c.value;
         row.lower = low;
         row.upper = high;
-        auto const bound = [&](double x) { return short_text(x) + unit; };
-        row.tolerance = low == -high ? "\u00b1 " + bound(high)
-                        : low == 0.0
-                            ? "\u2264 " + bound(high)
-                            : signed_text(low, decimals) + " \u2026 " + signed_text(high, decimals) + unit;
+        std::string const least = with_sign(low, short_text(low)), most = short_text(high) + unit;
+        row.tolerance = low == -high ? "\u00b1 " + most
+                        : low == 0.0 ? "\u2264 " + most
+                                     : least + " \u2026 " + with_sign(high, most);
+    }
+
+    // As many as the verdict on it needs.
+    static int decimals_of(tolerance_check const& c, int decimals) {
+        std::string const number = number_of(c, decimals);
+        std::size_t const dot = number.find('.');
+        return dot == std::string::npos ? 0 : static_cast<int>(number.size() - dot) - 1;
     }
 
     // Errors have no nominal: what was measured is what the limit speaks of.
@@ -126,8 +136,8 @@ private:
         row.what = name == "form"      ? form_label(fit_)
                    : name == "profile" ? "profile error"
                                        : std::string("std deviation");
-        if (std::isfinite(c.value)) row.measured = fixed_text(c.value, decimals_);
-        write_limit(c, decimals_, "", row);
+        if (std::isfinite(c.value)) row.measured = fixed_text(c.value, decimals_of(c, decimals_));
+        write_limit(c, "", row);
         return true;
     }
 
@@ -135,27 +145,33 @@ private:
         tolerance_check const* const check = find(tool_.checks, name);
         if (name == "form" || name == "profile" || name == "standard_deviation")
             return check && write_error(name, *check, row);
-        figure const* const f = find(fit_.figures, name);
+        // The deviation of a direction is an angle, and has the name of one.
+        figure const* const deviation = fit_.nominal ? find(fit_.nominal->deviations, name) : nullptr;
+        figure const* const f = find(fit_.figures, [&](figure const& g) {
+            return deviation ? g.label == deviation->label : figure_key(g) == name;
+        });
         if (!f) return false;
         row.what = f->label;
         row.measured = text_of(*f);
         row.ink = text_ink;
-        figure const* const nominal = find(nominal_, name);
+        figure const* const nominal = find(nominal_, [f](figure const& g) { return g.label == f->label; });
         if (nominal) row.nominal = text_of(*nominal);
-        int const decimals = is_angle(*f) ? 4 : decimals_;
-        std::string const unit = is_angle(*f) ? "\u00b0" : "";
-        if (fit_.nominal) {
-            if (figure const* const d = find(fit_.nominal->deviations, name)) {
-                double size = 0;
-                for (double const v : d->values) size = std::hypot(size, v);
-                row.deviation = d->values.size() > 1
-                                    ? fixed_text(size, decimals)
-                                    : signed_text(d->values[0] * (is_angle(*d) ? 180 / pi : 1), decimals) +
-                                          (is_angle(*d) ? "\u00b0" : "");
-            }
-        }
-        if (check) write_limit(*check, decimals, unit, row);
+        std::string const unit = is_angle(deviation ? *deviation : *f) ? "\u00b0" : "";
+        if (deviation) row.deviation = deviation_text(*deviation, check) + unit;
+        if (check) write_limit(*check, unit, row);
         return true;
+    }
+
+    // Of a place how far it is from where it should be.
+    std::string deviation_text(figure const& d, tolerance_check const* check) const {
+        bool const is_place = d.values.size() > 1;
+        double size = is_place ? 0 : d.values[0] * (is_angle(d) ? 180 / pi : 1);
+        if (is_place) {
+            for (double const v : d.values) size = std::hypot(size, v);
+        }
+        int const decimals = is_angle(d) ? angle_decimals : decimals_;
+        std::string const text = fixed_text(size, check ? decimals_of(*check, decimals) : decimals);
+        return is_place ? text : with_sign(size, text);
     }
 
     measured_tool const& tool_;
@@ -164,12 +180,12 @@ private:
     std::vector<figure> nominal_;
 };
 
-std::vector<sheet_row> rows_of(measured_tool const& tool, int decimals) {
+std::vector<sheet_row> sheet_rows_of(measured_tool const& tool, int decimals) {
     if (tool.fit) return row_writer(tool, decimals).rows();
     sheet_row row;
     row.name = tool.tool->name;
     row.reason = tool.reason;
-    row.verdict = "NOT FOUND";
+    row.verdict = "NOT MEASURED";
     row.verdict_ink = bad_ink;
     return {row};
 }
@@ -178,32 +194,20 @@ std::string counted(std::size_t n, char const* one, char const* many) {
     return std::to_string(n) + ' ' + (n == 1 ? one : many);
 }
 
-struct tally {
-    std::size_t all = 0, failing = 0, missing = 0;
-
-    void count(measured_tool const& t) {
-        ++all;
-        if (!t.fit) {
-            ++missing;
-        } else if (!t.passed()) {
-            ++failing;
-        }
+// Of those that were judged.
+std::string summary_of(measure_tally const& t, std::size_t features) {
+    std::size_t const passing = t.passing.size(), missing = t.not_measured.size(),
+                      judged = passing + t.failing.size() + missing;
+    std::string const not_measured = missing > 0 ? std::to_string(missing) + " not measured" : "";
+    if (passing + t.failing.size() == 0) {
+        if (features == 1 && missing > 0) return "not measured";
+        std::string const found = counted(features - missing, "feature", "features");
+        return missing == 0 ? found : found + ", " + not_measured;
     }
-    std::size_t good() const { return all - failing - missing; }
-};
-
-std::string summary_of(tally const& t, bool has_limits) {
-    std::string const not_found = t.missing > 0 ? std::to_string(t.missing) + " not found" : "";
-    if (!has_limits) {
-        std::string const found = counted(t.all - t.missing, "feature", "features");
-        return t.missing == 0 ? found : found + ", " + not_found;
-    }
-    if (t.good() == t.all)
-        return t.all == 1 ? "passes" : t.all == 2 ? "both pass" : "all " + std::to_string(t.all) + " pass";
-    if (t.all == 1) return t.missing > 0 ? "not found" : "fails";
-    std::string text = std::to_string(t.good()) + " of " + counted(t.all, "passes", "pass");
-    if (t.missing > 0) text += ", " + not_found;
-    return text;
+    if (judged == 1) return passing == 1 ? "passes" : "fails";
+    if (passing == judged) return judged == 2 ? "both pass" : "all " + std::to_string(judged) + " pass";
+    std::string const text = std::to_string(passing) + " of " + counted(judged, "passes", "pass");
+    return missing == 0 ? text : text + ", " + not_measured;
 }
 
 // The first ones by name.
@@ -219,51 +223,53 @@ std::string failing_of(measure_report const& report) {
     return names + (count == 1 ? " fails" : " fail");
 }
 
-std::string rest_of(tally const& t, bool has_limits) {
-    std::string text = "and " + std::to_string(t.all) + " more";
-    if (t.failing + t.missing > 0)
-        return text + ", " + counted(t.failing + t.missing, "of which fails", "of which fail");
-    return has_limits ? text + (t.all == 1 ? ", which passes" : ", all pass") : text;
+// Those that fail were named first.
+std::string rest_of(std::vector<measured_tool const*> const& rest, bool has_limits) {
+    if (rest.empty()) return {};
+    auto const failing = static_cast<std::size_t>(
+        std::count_if(rest.begin(), rest.end(), [](auto const* t) { return !t->passed(); }));
+    std::string const text = "and " + std::to_string(rest.size()) + " more";
+    if (failing > 0) return text + ", " + counted(failing, "of which fails", "of which fail");
+    return !has_limits ? text : text + (rest.size() == 1 ? ", which passes" : ", all pass");
 }
 
-int decimals_for(double pixel_length) {
-    return static_cast<int>(std::clamp(std::ceil(-std::log10(pixel_length / 500)), 0.0, 12.0));
+// As many rows of each feature as there is room for.
+std::vector<sheet_row> chosen_rows(std::vector<std::vector<sheet_row>> const& rows) {
+    auto const total = [&rows](std::size_t of_one) {
+        std::size_t sum = 0;
+        for (auto const& own : rows) sum += std::min(own.size(), of_one);
+        return sum;
+    };
+    std::size_t of_one = most_rows_of_one;
+    while (of_one > 1 && total(of_one) > most_rows) --of_one;
+    std::vector<sheet_row> chosen;
+    for (auto const& own : rows)
+        chosen.insert(chosen.end(), own.begin(),
+                      own.begin() + static_cast<std::ptrdiff_t>(std::min(own.size(), of_one)));
+    return chosen;
 }
 
 }  // namespace
 
 measure_sheet make_measure_sheet(measure_report const& report, double pixel_length) {
+    measure_tally const tally(report);
     measure_sheet sheet;
-    tally all;
+    sheet.has_limits = !tally.passing.empty() || !tally.failing.empty();
+    sheet.is_good = report.passed();
+    sheet.summary = summary_of(tally, report.tools.size());
+    sheet.failing = failing_of(report);
+
     std::vector<measured_tool const*> shown;
-    for (measured_tool const& t : report.tools) {
-        all.count(t);
-        sheet.has_limits = sheet.has_limits || !t.tool->limits.empty();
-        shown.push_back(&t);
-    }
+    for (measured_tool const& t : report.tools) shown.push_back(&t);
     if (shown.size() > most_rows) {
         std::stable_partition(shown.begin(), shown.end(), [](auto const* t) { return !t->passed(); });
+        auto const first = shown.begin() + static_cast<std::ptrdiff_t>(most_rows);
+        sheet.rest = rest_of({first, shown.end()}, sheet.has_limits);
+        shown.erase(first, shown.end());
     }
-    tally rest;
-    for (std::size_t i = most_rows; i < shown.size(); ++i) rest.count(*shown[i]);
-    shown.resize(std::min(shown.size(), most_rows));
-    if (rest.all > 0) sheet.rest = rest_of(rest, sheet.has_limits);
-    sheet.failing = failing_of(report);
-    sheet.summary = summary_of(all, sheet.has_limits);
-    sheet.state = all.good() == all.all ? verdict::good : verdict::bad;
-
     std::vector<std::vector<sheet_row>> rows;
-    for (measured_tool const* t : shown) rows.push_back(rows_of(*t, decimals_for(pixel_length)));
-    std::size_t of_one = most_rows_of_one;
-    auto const total = [&rows](std::size_t limit) {
-        std::size_t sum = 0;
-        for (auto const& own : rows) sum += std::min(own.size(), limit);
-        return sum;
-    };
-    while (of_one > 1 && total(of_one) > most_rows) --of_one;
-    for (auto const& own : rows) {
-        for (std::size_t i = 0; i < std::min(own.size(), of_one); ++i) sheet.rows.push_back(own[i]);
-    }
+    for (measured_tool const* t : shown) rows.push_back(sheet_rows_of(*t, decimals_for(pixel_length)));
+    sheet.rows = chosen_rows(rows);
     // Beside a nominal value the deviations tell more.
     auto& made = sheet.rows;
     if (std::any_of(made.begin(), made.end(), [](sheet_row const& row) { return !row.nominal.empty(); })) {

@@ -9,6 +9,7 @@ namespace {
 
 constexpr unsigned int most_pixels = 1600;  // across; more would make large files that show no more
 constexpr std::size_t most_edges = 20000;   // that are drawn
+constexpr std::size_t most_cased = 1000;    // features with a pale rim: It makes large files larger.
 constexpr std::size_t most_names = 40;      // of tools; of more those that fail have one
 constexpr std::size_t most_failing_names = 24;
 constexpr double palest = 0.97, darkest = 0.32;  // of the photograph
@@ -17,7 +18,8 @@ constexpr double least_whisker = 0.8;            // points; the outline covers s
 constexpr double large_scale = 3;                // points for a pixel
 constexpr color casing = {1, 1, 1, 0.75};
 
-// A pale copy, on which lines stand out, of pixels that are the means of squares of them.
+// A pale copy, on which lines stand out, of pixels that are the means of squares of them. In every second
+// grey only, which no eye sees: the files of noisy images are smaller.
 grey_picture pale_copy(image const& scene) {
     unsigned int const rows = matrix::rows(scene), cols = matrix::cols(scene);
     unsigned int const side = (std::max(rows, cols) + most_pixels - 1) / most_pixels;
@@ -39,7 +41,7 @@ grey_picture pale_copy(image const& scene) {
         }
         for (unsigned int x = 0; x < picture.width; ++x) {
             double const grey = darkest + (palest - darkest) * sums[x] / counts[x];
-            picture.grey.push_back(static_cast<unsigned char>(std::lround(255 * grey)));
+            picture.grey.push_back(static_cast<unsigned char>(2 * std::lround(127 * grey)));
         }
     }
     return picture;
@@ -97,11 +99,11 @@ public:
         for (drawn_feature const& f : drawing_.features) avoid(f);
         std::size_t failing = 0;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state != verdict::good && failing++ < most_failing_names) name(f, only_failing);
+            if (!f.is_good() && failing++ < most_failing_names) name(f, only_failing);
         }
         if (only_failing) return;
         for (drawn_feature const& f : drawing_.features) {
-            if (f.state == verdict::good) name(f, false);
+            if (f.is_good()) name(f, false);
         }
     }
 
@@ -134,7 +136,7 @@ private:
     void draw_outlines() {
         canvas_path all, good, bad, missing, marks[2];
         for (drawn_feature const& f : drawing_.features) {
-            canvas_path& own = f.state == verdict::good ? good : f.state == verdict::bad ? bad : missing;
+            canvas_path& own = f.is_good() ? good : f.state == verdict::fail ? bad : missing;
             for (outline const& o : f.outlines) {
                 for (canvas_path* const path : {&all, &own}) {
                     path->interrupt();
@@ -144,7 +146,7 @@ private:
             }
             double const arm = f.outlines.empty() ? 5 : 3;
             for (spot const& mark : f.marks) {
-                canvas_path& path = marks[f.state == verdict::good ? 0 : 1];
+                canvas_path& path = marks[f.is_good() ? 0 : 1];
                 spot const p = at(mark);
                 path.move_to(p - spot{arm, 0});
                 path.line_to(p + spot{arm, 0});
@@ -152,7 +154,7 @@ private:
                 path.line_to(p + spot{0, arm});
             }
         }
-        c_.stroke(all, {casing, 3.4});
+        if (drawing_.features.size() <= most_cased) c_.stroke(all, {casing, 3.4});
         for (canvas_path const& path : marks) c_.stroke(path, {casing, 2.8});
         c_.stroke(good, {good_ink, 1.8});
         c_.stroke(bad, {bad_ink, 2.0});
@@ -202,8 +204,8 @@ private:
     void name(drawn_feature const& f, bool only_beside) {
         name_tag tag;
         tag.words = cut(c_, f.tool->tool->name, {.size = 8.5, .bold = true}, 140);
-        tag.ink = ink_of(f.state);
-        tag.is_filled = f.state != verdict::good;
+        tag.ink = ink_of(f.is_good());
+        tag.is_filled = !f.is_good();
         tag.outlines = on_page(f);
         for (spot const& p : f.marks) tag.marks.push_back(at(p));
         tags_.put(tag, only_beside);

@@ -50,16 +50,6 @@ bool is_kept(tolerance_limit const& limit, std::string const& number) {
     return limit.lower <= value && value <= limit.upper;
 }
 
-// The number that decides, with more decimals where it would seem to contradict its verdict.
-std::string text_of(tolerance_check const& check, int decimals) {
-    if (!std::isfinite(check.value)) return "-";
-    for (int more = decimals; more <= most_decimals; ++more) {
-        std::string text = fixed_number(check.value, more);
-        if (is_kept(check.limit, text) == check.passed) return text;
-    }
-    return fixed_number(check.value, decimals);
-}
-
 // All digits of a limit, without a power of ten where that needs no more room than other numbers have.
 std::string text_of(double limit) {
     for (int decimals = 1; decimals <= most_decimals; ++decimals) {
@@ -124,7 +114,7 @@ private:
         bool const is_place = f.kind == figure_kind::location;
         measure_row& checked = is_place ? row(f.label + " offset") : rows.back();
         std::string const text =
-            text_of(*check, is_angle(deviation ? *deviation : f) ? angle_decimals : decimals_);
+            number_of(*check, is_angle(deviation ? *deviation : f) ? angle_decimals : decimals_);
         checked.cells[column_deviation] = is_place ? text : with_sign(text);
         add_limits(checked, *check, !is_place);
     }
@@ -135,7 +125,7 @@ private:
         bool const has_errors = !fit_.degrees_of_freedom || *fit_.degrees_of_freedom > 0;
         if (!check && !(has_errors && std::isfinite(value))) return;
         measure_row& error = row(label);
-        error.cells[column_measured] = check ? text_of(*check, decimals_) : fixed_number(value, decimals_);
+        error.cells[column_measured] = check ? number_of(*check, decimals_) : fixed_number(value, decimals_);
         if (check) add_limits(error, *check, false);
     }
 
@@ -160,6 +150,15 @@ int decimals_for(double pixel_length) {
     // 0.005 / 500 is a rounding away from a power of ten.
     double const decimals = std::ceil(-std::log10(pixel_length / 500) - 1e-9);
     return decimals > 0 ? static_cast<int>(std::min<double>(decimals, most_decimals)) : 0;
+}
+
+std::string number_of(tolerance_check const& check, int decimals) {
+    if (!std::isfinite(check.value)) return "-";
+    for (int more = decimals; more <= most_decimals; ++more) {
+        std::string text = fixed_number(check.value, more);
+        if (is_kept(check.limit, text) == check.passed) return text;
+    }
+    return fixed_number(check.value, decimals);
 }
 
 std::vector<measure_row> rows_of(measured_tool const& measured, int decimals) {

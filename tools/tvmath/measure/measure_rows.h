@@ -23,6 +23,10 @@ struct measure_row {
 /// tell; 0 to 12.
 int decimals_for(double pixel_length);
 
+/// The number that decides, with so many decimals, and more where it would seem to contradict its verdict;
+/// "-" where there is none.
+std::string number_of(tolerance_check const& check, int decimals);
+
 /// The rows of a tool that was measured: its figures, without those that only repeat the nominal feature or
 /// another figure, its errors, and each of its limits.
 std::vector<measure_row> rows_of(measured_tool const& measured, int decimals);

@@ -127,9 +127,14 @@ public:
         cairo_pattern_set_filter(cairo_get_source(c_), width > large_pixel * picture.width
                                                            ? CAIRO_FILTER_NEAREST
                                                            : CAIRO_FILTER_GOOD);
-        if (is_bitmap_) cairo_pattern_set_extend(cairo_get_source(c_), CAIRO_EXTEND_PAD);  // full to its edge
-        cairo_rectangle(c_, 0, 0, picture.width, picture.height);
-        cairo_fill(c_);
+        if (is_bitmap_) {
+            // Full to its edges.
+            cairo_pattern_set_extend(cairo_get_source(c_), CAIRO_EXTEND_PAD);
+            cairo_rectangle(c_, 0, 0, picture.width, picture.height);
+            cairo_fill(c_);
+        } else {
+            cairo_paint(c_);  // a filled rectangle would be a pattern there, not a plain picture
+        }
         cairo_restore(c_);
         cairo_surface_destroy(surface);
     }
