@@ -32,7 +32,7 @@ void measured_circle(benchmark::State& state) {
     measure_tool tool;
     tool.kind = find_fit_kind("circle");
     auto place = std::make_shared<Circle_Description>();
-    place->geometry = circle(radius + 1, point(true, radius + 31.5, radius + 28.5));
+    place->geometry = circle(radius, point(true, radius + 31.5, radius + 28.5));
     tool.place = place;
     measure_frame const frame(job, matrix::cols(scene), matrix::rows(scene));
     std::size_t found = 0;
