@@ -115,7 +115,7 @@ TEST(ConvertCommand, KeepsEveryKindOfRecord) {
         convert(files.path("a.xml"), files.path("b.txt"));
         expect_same_figures(*read(text, file_form::text), *read(files.path("b.txt"), file_form::text));
     }
-    EXPECT_EQ(files.files(), 3) << "nothing but a.txt, a.xml and b.txt is left";
+    EXPECT_EQ(files.files(), reads_xml() ? 3 : 1) << "nothing but a.txt, a.xml and b.txt is left";
 }
 
 // Coordinates of at most 15 digits come back to the last bit through every form.
