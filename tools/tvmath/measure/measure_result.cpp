@@ -11,7 +11,9 @@
 inline namespace tvmath {
 namespace {
 
-constexpr double fine_reach = 8;       // a blurred edge reaches that far
+constexpr double fine_reach = 4;       // what an edge may move
+constexpr int most_rounds = 8;
+constexpr double settled_move = 0.05;  // pixels; the next one is a small part of it
 constexpr double fine_climb = 2;       // see `edge_window`
 constexpr double least_outlier = 0.1;  // pixels; below it no point is one
 
@@ -69,8 +71,19 @@ private:
         return is_enough(edges_.size());
     }
 
-    // Each edge once more, in a window that lies across it and about it.
+    // Each edge once more, in a window that lies across it and about it. Where the window must be narrow it
+    // draws the edge to its middle: then that is repeated until the edges stay.
     bool find_finely() {
+        for (int round = 0; round < most_rounds; ++round) {
+            double move = 0;
+            if (!find_again(move)) return false;
+            if (move <= settled_move) break;
+        }
+        return true;
+    }
+
+    // Sets `move` to the median of how far the edges went.
+    bool find_again(double& move) {
         fitted_feature rough;
         std::vector<bool> kept;
         std::vector<double> residuals;
@@ -79,16 +92,26 @@ private:
                                   kept, residuals, reason))
             return fail(reason);
         std::vector<found_edge> fine;
+        std::vector<edge_window> windows;
+        std::vector<double> moves;
         for (std::size_t i = 0; i < edges_.size(); ++i) {
             edge_window w = aligned_window(*rough.record, edges_[i].place, windows_[i]);
-            w.reach = std::min(w.reach, fine_reach);
-            if (tool_.kind->record == Point_Description::type_value) w.bend = bend_of(edges_[i], w.reach);
+            w.inward = w.outward = std::min({w.inward, w.outward, fine_reach});
+            if (tool_.kind->record == Point_Description::type_value) w.bend = bend_of(edges_[i], fine_reach);
             w.climb = fine_climb * std::min(1.0, w.width / 16);
             found_edge e;
-            if (find_edge(scene_, w, tool_.edges, e)) fine.push_back(e);
+            if (!find_edge(scene_, w, tool_.edges, e)) continue;
+            fine.push_back(e);
+            windows.push_back(windows_[i]);
+            moves.push_back(distance2d(e.place, edges_[i].place));
         }
         edges_ = std::move(fine);
-        return is_enough(edges_.size());
+        windows_ = std::move(windows);
+        if (!is_enough(edges_.size())) return false;
+        auto const middle = moves.begin() + static_cast<std::ptrdiff_t>(moves.size() / 2);
+        std::nth_element(moves.begin(), middle, moves.end());
+        move = *middle;
+        return true;
     }
 
     void fit() {
