@@ -8,7 +8,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr double widest_window = 16, narrowest_window = 5;
+constexpr double widest_window = 16, narrowest_window = 3;
 constexpr double reach_in_half_width = 0.75;  // inward, to keep away from the other side
 
 point unit(double angle) {
@@ -64,7 +64,8 @@ public:
 private:
     // As many windows as the spacing asks for on a piece of that length.
     int count_on(double length, int least) const {
-        return static_cast<int>(std::max<double>(least, std::round(length / settings_.spacing)));
+        double const most = std::max(3.0, std::floor(length / narrowest_window));
+        return static_cast<int>(std::clamp<double>(std::round(length / settings_.spacing), std::min<double>(least, most), most));
     }
     double width_on(double length, int count) const {
         return std::clamp(std::floor(length / count), narrowest_window, widest_window);

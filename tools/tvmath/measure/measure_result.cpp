@@ -72,18 +72,18 @@ private:
     }
 
     // Each edge once more, in a window that lies across it and about it. Where the window must be narrow it
-    // draws the edge to its middle: then that is repeated until the edges stay.
+    // draws the edge to its middle: then that is repeated until the edge stays.
     bool find_finely() {
+        std::vector<bool> settled(edges_.size(), false);
         for (int round = 0; round < most_rounds; ++round) {
-            double move = 0;
-            if (!find_again(move)) return false;
-            if (move <= settled_move) break;
+            if (std::find(settled.begin(), settled.end(), false) == settled.end()) break;
+            if (!find_again(settled)) return false;
         }
         return true;
     }
 
-    // Sets `move` to the median of how far the edges went.
-    bool find_again(double& move) {
+    // Looks again for the edges that have not settled. Those that are not found any more are left out.
+    bool find_again(std::vector<bool>& settled) {
         fitted_feature rough;
         std::vector<bool> kept;
         std::vector<double> residuals;
@@ -91,27 +91,27 @@ private:
         if (!fit_without_outliers(*tool_.kind, places_of(edges_), tool_.edges.outliers, least_outlier, rough,
                                   kept, residuals, reason))
             return fail(reason);
-        std::vector<found_edge> fine;
-        std::vector<edge_window> windows;
-        std::vector<double> moves;
+        std::size_t count = 0;
         for (std::size_t i = 0; i < edges_.size(); ++i) {
-            edge_window w = aligned_window(*rough.record, edges_[i].place, windows_[i]);
-            w.inward = w.outward = std::min({w.inward, w.outward, fine_reach});
-            if (tool_.kind->record == Point_Description::type_value) w.bend = bend_of(edges_[i], fine_reach);
-            w.climb = fine_climb * std::min(1.0, w.width / 16);
-            found_edge e;
-            if (!find_edge(scene_, w, tool_.edges, e)) continue;
-            fine.push_back(e);
-            windows.push_back(windows_[i]);
-            moves.push_back(distance2d(e.place, edges_[i].place));
+            found_edge e = edges_[i];
+            if (!settled[i] && !find_edge(scene_, fine_window(*rough.record, i), tool_.edges, e)) continue;
+            bool const stays = settled[i] || distance2d(e.place, edges_[i].place) <= settled_move;
+            edges_[count] = e;
+            windows_[count] = windows_[i];
+            settled[count++] = stays;
         }
-        edges_ = std::move(fine);
-        windows_ = std::move(windows);
-        if (!is_enough(edges_.size())) return false;
-        auto const middle = moves.begin() + static_cast<std::ptrdiff_t>(moves.size() / 2);
-        std::nth_element(moves.begin(), middle, moves.end());
-        move = *middle;
-        return true;
+        edges_.resize(count);
+        windows_.resize(count);
+        settled.resize(count);
+        return is_enough(count);
+    }
+
+    edge_window fine_window(Geometry_Description const& feature, std::size_t i) const {
+        edge_window w = aligned_window(feature, edges_[i].place, windows_[i]);
+        w.inward = w.outward = std::min({w.inward, w.outward, fine_reach});
+        if (tool_.kind->record == Point_Description::type_value) w.bend = bend_of(edges_[i], fine_reach);
+        w.climb = fine_climb * std::min(1.0, w.width / 16);
+        return w;
     }
 
     void fit() {
