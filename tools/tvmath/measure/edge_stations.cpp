@@ -56,16 +56,19 @@ public:
         point const c = r.geometry.basis(0), u = direction_of(r.geometry.basis(1)), v = turned(u);
         double const angle = u.angle2d();
         add_round(c + u * straight, radius, angle - pi / 2, pi, 5);
-        if (straight > 0) add_side(c + v * radius, u * -straight, v, settings_.search / 2, 3, inward_of(radius));
+        if (straight > 0)
+            add_side(c + v * radius, u * -straight, v, settings_.search / 2, 3, inward_of(radius));
         add_round(c - u * straight, radius, angle + pi / 2, pi, 5);
-        if (straight > 0) add_side(c - v * radius, u * straight, -v, settings_.search / 2, 3, inward_of(radius));
+        if (straight > 0)
+            add_side(c - v * radius, u * straight, -v, settings_.search / 2, 3, inward_of(radius));
     }
 
 private:
     // As many windows as the spacing asks for on a piece of that length.
     int count_on(double length, int least) const {
         double const most = std::max(3.0, std::floor(length / narrowest_window));
-        return static_cast<int>(std::clamp<double>(std::round(length / settings_.spacing), std::min<double>(least, most), most));
+        return static_cast<int>(
+            std::clamp<double>(std::round(length / settings_.spacing), std::min<double>(least, most), most));
     }
     double width_on(double length, int count) const {
         return std::clamp(std::floor(length / count), narrowest_window, widest_window);
@@ -93,8 +96,8 @@ private:
         int const count = count_on(length, least);
         for (int i = 0; i < count; ++i) {
             point const normal = unit(start + sweep * (i + 0.5) / count);
-            windows.push_back({center + normal * radius, normal, width_on(length, count),
-                               inward_of(radius), settings_.search, 0, 1 / radius});
+            windows.push_back({center + normal * radius, normal, width_on(length, count), inward_of(radius),
+                               settings_.search, 0, 1 / radius});
         }
     }
 

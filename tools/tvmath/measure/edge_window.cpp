@@ -98,14 +98,13 @@ cut_piece cut(image const& scene, edge_window const& w, row_range const& range) 
     double const slope = w.climb / cols;
     if (w.bend != 0) {
         double const radius = 1 / w.bend;
-        return {unroll(scene, {w.place - w.normal * radius, w.normal, radius + range.middle(), cols, rows,
-                               slope}),
+        return {unroll(scene,
+                       {w.place - w.normal * radius, w.normal, radius + range.middle(), cols, rows, slope}),
                 w.normal};
     }
     double const angle = std::atan2(-w.normal.x(), w.normal.y()) + std::atan(slope);
     point const along(false, std::cos(angle), std::sin(angle)), across(false, -along.y(), along.x());
-    point const corner =
-        w.place + w.normal * range.middle() - along * (cols / 2.0) - across * (rows / 2.0);
+    point const corner = w.place + w.normal * range.middle() - along * (cols / 2.0) - across * (rows / 2.0);
     return {rotate(scene, corner.x(), corner.y(), angle, cols, cols, rows, rows), across};
 }
 

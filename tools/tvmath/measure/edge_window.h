@@ -10,7 +10,7 @@ inline namespace tvmath {
 /// the inside of a feature to its outside. All in pixels of the image's plane.
 struct edge_window {
     point place;
-    point normal;       ///< a unit direction
+    point normal;                      ///< a unit direction
     double width = 16;                 ///< along the edge
     double inward = 10, outward = 10;  ///< how far from the place the edge may lie, to either side
     /// Rows that an edge across the normal climbs over the width of the window. Two rows even out the error

@@ -20,8 +20,7 @@ using places = std::array<point, steps + 1>;
 places places_on(Segment_Description const& r) {
     places list;
     for (int i = 0; i <= steps; ++i)
-        list[static_cast<std::size_t>(i)] =
-            r.geometry.basis(0) + r.geometry.basis(1) * (2.0 * i / steps - 1);
+        list[static_cast<std::size_t>(i)] = r.geometry.basis(0) + r.geometry.basis(1) * (2.0 * i / steps - 1);
     return list;
 }
 
@@ -68,6 +67,21 @@ std::shared_ptr<Geometry_Description> between(Arc_Description const& fitted, pla
     return record;
 }
 
+// With its width along the side that the tool calls so; null where that is as it should be.
+std::shared_ptr<Geometry_Description> turned(Rectangle_Description const& fitted, measure_frame const& frame,
+                                             measure_tool const& tool) {
+    auto const& seen = static_cast<Rectangle_Description const&>(*tool.place).geometry;
+    rectangle const& r = fitted.geometry;
+    point const width = frame.to_result(seen.basis(0) + seen.basis(1)) - frame.to_result(seen.basis(0));
+    auto const share = [&width](point const& axis) {
+        return std::fabs(dot2d(width, axis)) / axis.length2d();
+    };
+    if (tool.nominal || share(r.basis(1)) >= share(r.basis(2))) return nullptr;
+    auto record = std::make_shared<Rectangle_Description>();
+    record->geometry = rotate_rectangle(r, 1);
+    return record;
+}
+
 }  // namespace
 
 void set_extent(measure_frame const& frame, measure_tool const& tool, fit_result& fit) {
@@ -76,6 +90,8 @@ void set_extent(measure_frame const& frame, measure_tool const& tool, fit_result
         whole = between(*l, places_of_tool<Segment_Description>(frame, tool));
     } else if (auto const* a = dynamic_cast<Arc_Description const*>(fit.feature.get())) {
         whole = between(*a, places_of_tool<Arc_Description>(frame, tool));
+    } else if (auto const* r = dynamic_cast<Rectangle_Description const*>(fit.feature.get())) {
+        whole = turned(*r, frame, tool);
     }
     if (!whole) return;
     fit.feature = whole;

@@ -11,7 +11,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr double fine_reach = 4;       // what an edge may move
+constexpr double fine_reach = 4;  // what an edge may move
 constexpr int most_rounds = 8;
 constexpr double settled_move = 0.05;  // pixels; the next one is a small part of it
 constexpr double fine_climb = 2;       // see `edge_window`
