@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include "measure/unroll.h"
@@ -108,23 +109,28 @@ cut_piece cut(image const& scene, edge_window const& w, row_range const& range) 
     return {rotate(scene, corner.x(), corner.y(), angle, cols, cols, rows, rows), across};
 }
 
+// As many of the rows as lie in the image; none when these are too few.
+std::optional<cut_piece> cut_inside(image const& scene, edge_window const& w, row_range& range) {
+    for (; range.count() >= least_rows; range = {range.low * shrinking, range.high * shrinking}) {
+        cut_piece piece = cut(scene, w, range);
+        if (!piece.grey.is_trivial()) return piece;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 bool find_edge(image const& scene, edge_window const& window, edge_settings const& settings,
                found_edge& found) {
     row_range range = rows_about(window);
-    cut_piece piece;
-    for (;; range = {range.low * shrinking, range.high * shrinking}) {
-        if (range.count() < least_rows) return false;
-        piece = cut(scene, window, range);
-        if (!piece.grey.is_trivial()) break;
-    }
+    std::optional<cut_piece> const piece = cut_inside(scene, window, range);
+    if (!piece) return false;
     int const rows = range.count();
-    auto const cols = static_cast<unsigned int>(matrix::cols(piece.grey));
+    auto const cols = static_cast<unsigned int>(matrix::cols(piece->grey));
 
-    image strength = piece.grey;
+    image strength = piece->grey;
     strength.horizontal_edge_gradient(false);
-    std::vector<double> const greys = row_means(piece.grey);
+    std::vector<double> const greys = row_means(piece->grey);
     double const origin = rows / 2.0 - range.middle();  // row of the place
     std::size_t const row = strongest_row(greys, row_means(strength), settings.sense,
                                           origin - window.inward - 0.5, origin + window.outward + 0.5);
@@ -142,7 +148,8 @@ bool find_edge(image const& scene, edge_window const& window, edge_settings cons
     if (!has_sense(contrast, settings.sense) || std::fabs(contrast) < settings.contrast) return false;
     // Along the normal to the middle of the window, from there along its columns.
     double const outward = y - rows / 2.0 + blur_of_sampling / 2 * window.bend;
-    found = {window.place + window.normal * range.middle() + piece.across * outward, contrast, -2 * curve[2]};
+    found = {window.place + window.normal * range.middle() + piece->across * outward, contrast,
+             window.bend - 2 * curve[2]};
     return true;
 }
 

@@ -26,7 +26,7 @@ struct edge_window {
 struct found_edge {
     point place;          ///< on the middle column, in the plane of the image
     double contrast = 0;  ///< change of the grey along the normal
-    double bend = 0;      ///< curvature of the edge beyond that of the window
+    double bend = 0;      ///< curvature of the edge, as that of a window
 };
 
 /// Finds the strongest edge of that sense and contrast to a fraction of a pixel. False, `found` untouched,
