@@ -8,8 +8,8 @@
 inline namespace tvmath {
 namespace {
 
-constexpr double widest_window = 16, narrowest_window = 5;
-constexpr double reach_in_radius = 0.75;  // a bent window ends before the centre
+constexpr double widest_window = 16, narrowest_window = 3;
+constexpr double reach_in_half_width = 0.75;  // inward, to keep away from the other side
 
 point unit(double angle) {
     return point(false, std::cos(angle), std::sin(angle));
@@ -32,7 +32,8 @@ public:
     std::vector<edge_window> windows;
 
     void list(Segment_Description const& r) {
-        add_side(r.geometry.basis(0), r.geometry.basis(1), turned(r.geometry.direction()), 0, 5);
+        add_side(r.geometry.basis(0), r.geometry.basis(1), turned(r.geometry.direction()), 0, 5,
+                 settings_.search);
     }
     void list(Circle_Description const& r) {
         add_round(r.geometry.basis(0), r.geometry.radius(), 0, 2 * pi, 8);
@@ -44,39 +45,49 @@ public:
     void list(Rectangle_Description const& r) {
         point const c = r.geometry.basis(0), u = r.geometry.basis(1), v = r.geometry.basis(2);
         double const margin = settings_.search + narrowest_window;
-        add_side(c + u, v, direction_of(u), margin, 3);
-        add_side(c + v, -u, direction_of(v), margin, 3);
-        add_side(c - u, -v, direction_of(-u), margin, 3);
-        add_side(c - v, u, direction_of(-v), margin, 3);
+        double const in_u = inward_of(u.length2d()), in_v = inward_of(v.length2d());
+        add_side(c + u, v, direction_of(u), margin, 3, in_u);
+        add_side(c + v, -u, direction_of(v), margin, 3, in_v);
+        add_side(c - u, -v, direction_of(-u), margin, 3, in_u);
+        add_side(c - v, u, direction_of(-v), margin, 3, in_v);
     }
     void list(Slot_Description const& r) {
         double const radius = r.geometry.semiminor(), straight = r.geometry.semimajor() - radius;
         point const c = r.geometry.basis(0), u = direction_of(r.geometry.basis(1)), v = turned(u);
         double const angle = u.angle2d();
         add_round(c + u * straight, radius, angle - pi / 2, pi, 5);
-        if (straight > 0) add_side(c + v * radius, u * -straight, v, settings_.search / 2, 3);
+        if (straight > 0)
+            add_side(c + v * radius, u * -straight, v, settings_.search / 2, 3, inward_of(radius));
         add_round(c - u * straight, radius, angle + pi / 2, pi, 5);
-        if (straight > 0) add_side(c - v * radius, u * straight, -v, settings_.search / 2, 3);
+        if (straight > 0)
+            add_side(c - v * radius, u * straight, -v, settings_.search / 2, 3, inward_of(radius));
     }
 
 private:
     // As many windows as the spacing asks for on a piece of that length.
     int count_on(double length, int least) const {
-        return static_cast<int>(std::max<double>(least, std::round(length / settings_.spacing)));
+        double const most = std::max(3.0, std::floor(length / narrowest_window));
+        return static_cast<int>(
+            std::clamp<double>(std::round(length / settings_.spacing), std::min<double>(least, most), most));
     }
     double width_on(double length, int count) const {
         return std::clamp(std::floor(length / count), narrowest_window, widest_window);
     }
 
+    double inward_of(double half_width) const {
+        return std::min(settings_.search, reach_in_half_width * half_width);
+    }
+
     // Along a straight piece from `middle` - `half` to `middle` + `half`, less a margin of a quarter at most.
-    void add_side(point const& middle, point const& half, point const& normal, double margin, int least) {
+    void add_side(point const& middle, point const& half, point const& normal, double margin, int least,
+                  double inward) {
         double const whole = 2 * half.length2d();
         double const length = whole - 2 * std::min(margin, whole / 4);
         int const count = count_on(length, least);
         for (int i = 0; i < count; ++i) {
             double const share = (2 * i + 1.0) / count - 1;
             windows.push_back({middle + half * (share * length / whole), normal, width_on(length, count),
-                               settings_.search, 0, 0});
+                               inward, settings_.search, 0, 0});
         }
     }
 
@@ -85,8 +96,8 @@ private:
         int const count = count_on(length, least);
         for (int i = 0; i < count; ++i) {
             point const normal = unit(start + sweep * (i + 0.5) / count);
-            windows.push_back({center + normal * radius, normal, width_on(length, count),
-                               std::min(settings_.search, reach_in_radius * radius), 0, 1 / radius});
+            windows.push_back({center + normal * radius, normal, width_on(length, count), inward_of(radius),
+                               settings_.search, 0, 1 / radius});
         }
     }
 
@@ -111,7 +122,7 @@ std::vector<edge_window> edge_stations(measure_tool const& tool, image const& sc
         point const normal =
             tool.angle ? unit(*tool.angle) : normal_in(scene, p->position, tool.edges.search);
         if (normal.is_trivial()) return {};
-        return {{p->position, normal, widest_window, tool.edges.search, 0, 0}};
+        return {{p->position, normal, widest_window, tool.edges.search, tool.edges.search, 0, 0}};
     }
     if (auto const* s = dynamic_cast<Segment_Description const*>(&r)) stations.list(*s);
     if (auto const* c = dynamic_cast<Circle_Description const*>(&r)) stations.list(*c);
@@ -134,7 +145,7 @@ edge_window aligned_window(Geometry_Description const& feature, point const& edg
         if (!(way.length2d() > 0)) return;
         window.normal = direction_of(way);
         window.bend = 1 / way.length2d();
-        window.reach = std::min(window.reach, reach_in_radius * way.length2d());
+        window.inward = std::min(window.inward, reach_in_half_width * way.length2d());
     };
     if (auto const* s = dynamic_cast<Segment_Description const*>(&feature)) {
         lie_along(turned(s->geometry.basis(1)));

@@ -10,9 +10,9 @@ inline namespace tvmath {
 /// the inside of a feature to its outside. All in pixels of the image's plane.
 struct edge_window {
     point place;
-    point normal;       ///< a unit direction
-    double width = 16;  ///< along the edge
-    double reach = 10;  ///< to either side of the edge
+    point normal;                      ///< a unit direction
+    double width = 16;                 ///< along the edge
+    double inward = 10, outward = 10;  ///< how far from the place the edge may lie, to either side
     /// Rows that an edge across the normal climbs over the width of the window. Two rows even out the error
     /// that depends on where the edge lies between the rows, as the slanted edge does in ISO 12233: what is
     /// left is a tenth of it.
@@ -26,13 +26,15 @@ struct edge_window {
 struct found_edge {
     point place;          ///< on the middle column, in the plane of the image
     double contrast = 0;  ///< change of the grey along the normal
-    double bend = 0;      ///< curvature of the edge beyond that of the window
+    double bend = 0;      ///< curvature of the edge, as that of a window
 };
 
 /// Finds the strongest edge of that sense and contrast to a fraction of a pixel. False, `found` untouched,
-/// when there is none, and when the window leaves the image.
+/// when there is none, and when the window leaves the image: it looks somewhat farther than the edge may lie,
+/// to see all of the edge's profile, but less far at the border of the image.
 ///
-/// Means of the edge strength along the rows tell the row, the quadratic of `lsf_edge2` the place on it.
+/// Means of the edge strength along the rows tell the row, a maximum of them, the quadratic of `lsf_edge2`
+/// the place on it.
 bool find_edge(image const& scene, edge_window const& window, edge_settings const& settings,
                found_edge& found);
 

@@ -1,5 +1,6 @@
 #include "measure/feature_extent.h"
 
+#include <array>
 #include <cmath>
 
 #include "tvmath/scalar.h"
@@ -11,51 +12,73 @@ point on_circle(circle const& c, double angle) {
     return c.basis(0) + point(false, std::cos(angle), std::sin(angle)) * c.radius();
 }
 
-// Where a line or an arc begins, has its middle and ends.
-struct span {
-    point start, middle, end;
-};
+// Places along a line or an arc, from its start to its end. Two that follow each other are less than half a
+// turn apart, which tells the sense of an arc and a whole turn from none.
+constexpr int steps = 4;
+using places = std::array<point, steps + 1>;
 
-span span_of(Segment_Description const& r) {
-    line const& l = r.geometry;
-    return {l.basis(0) - l.basis(1), l.basis(0), l.basis(0) + l.basis(1)};
+places places_on(Segment_Description const& r) {
+    places list;
+    for (int i = 0; i <= steps; ++i)
+        list[static_cast<std::size_t>(i)] = r.geometry.basis(0) + r.geometry.basis(1) * (2.0 * i / steps - 1);
+    return list;
 }
 
-span span_of(Arc_Description const& r) {
-    double const middle = r.circle.basis(1).angle2d(), half = r.included_angle / 2;
-    return {on_circle(r.circle, middle - half), on_circle(r.circle, middle),
-            on_circle(r.circle, middle + half)};
+places places_on(Arc_Description const& r) {
+    places list;
+    double const middle = r.circle.basis(1).angle2d();
+    for (int i = 0; i <= steps; ++i)
+        list[static_cast<std::size_t>(i)] =
+            on_circle(r.circle, middle + r.included_angle * (static_cast<double>(i) / steps - 0.5));
+    return list;
 }
 
 // In the frame of the results.
 template <class kind>
-span span_of_tool(measure_frame const& frame, measure_tool const& tool) {
-    if (tool.nominal) return span_of(static_cast<kind const&>(*tool.nominal));
-    span const seen = span_of(static_cast<kind const&>(*tool.place));
-    return {frame.to_result(seen.start), frame.to_result(seen.middle), frame.to_result(seen.end)};
+places places_of_tool(measure_frame const& frame, measure_tool const& tool) {
+    if (tool.nominal) return places_on(static_cast<kind const&>(*tool.nominal));
+    places list = places_on(static_cast<kind const&>(*tool.place));
+    for (point& p : list) p = frame.to_result(p);
+    return list;
 }
 
-std::shared_ptr<Geometry_Description> between(Segment_Description const& fitted, span const& s) {
+std::shared_ptr<Geometry_Description> between(Segment_Description const& fitted, places const& list) {
     line const& l = fitted.geometry;
     point const direction = l.direction();
     auto const foot = [&](point const& p) {
         return l.basis(0) + direction * dot2d(p - l.basis(0), direction);
     };
     auto record = std::make_shared<Segment_Description>();
-    record->geometry = line(foot(s.start), foot(s.end));
+    record->geometry = line(foot(list.front()), foot(list.back()));
     return record;
 }
 
-std::shared_ptr<Geometry_Description> between(Arc_Description const& fitted, span const& s) {
+std::shared_ptr<Geometry_Description> between(Arc_Description const& fitted, places const& list) {
     point const center = fitted.circle.basis(0);
-    double const start = (s.start - center).angle2d(), middle = (s.middle - center).angle2d(),
-                 end = (s.end - center).angle2d();
-    double const first = std::remainder(middle - start, 2 * pi),
-                 second = std::remainder(end - middle, 2 * pi);
+    auto const angle_of = [&center](point const& p) { return (p - center).angle2d(); };
+    double const start = angle_of(list.front());
+    double included = 0;
+    for (std::size_t i = 1; i < list.size(); ++i)
+        included += std::remainder(angle_of(list[i]) - angle_of(list[i - 1]), 2 * pi);
     double const radius = fitted.circle.radius();
     auto record = std::make_shared<Arc_Description>();
-    record->included_angle = first + second;
-    record->circle = circle(ellipse(radius, radius, start + record->included_angle / 2, center));
+    record->included_angle = included;
+    record->circle = circle(ellipse(radius, radius, start + included / 2, center));
+    return record;
+}
+
+// With its width along the side that the tool calls so; null where that is as it should be.
+std::shared_ptr<Geometry_Description> turned(Rectangle_Description const& fitted, measure_frame const& frame,
+                                             measure_tool const& tool) {
+    auto const& seen = static_cast<Rectangle_Description const&>(*tool.place).geometry;
+    rectangle const& r = fitted.geometry;
+    point const width = frame.to_result(seen.basis(0) + seen.basis(1)) - frame.to_result(seen.basis(0));
+    auto const share = [&width](point const& axis) {
+        return std::fabs(dot2d(width, axis)) / axis.length2d();
+    };
+    if (tool.nominal || share(r.basis(1)) >= share(r.basis(2))) return nullptr;
+    auto record = std::make_shared<Rectangle_Description>();
+    record->geometry = rotate_rectangle(r, 1);
     return record;
 }
 
@@ -64,9 +87,11 @@ std::shared_ptr<Geometry_Description> between(Arc_Description const& fitted, spa
 void set_extent(measure_frame const& frame, measure_tool const& tool, fit_result& fit) {
     std::shared_ptr<Geometry_Description> whole;
     if (auto const* l = dynamic_cast<Segment_Description const*>(fit.feature.get())) {
-        whole = between(*l, span_of_tool<Segment_Description>(frame, tool));
+        whole = between(*l, places_of_tool<Segment_Description>(frame, tool));
     } else if (auto const* a = dynamic_cast<Arc_Description const*>(fit.feature.get())) {
-        whole = between(*a, span_of_tool<Arc_Description>(frame, tool));
+        whole = between(*a, places_of_tool<Arc_Description>(frame, tool));
+    } else if (auto const* r = dynamic_cast<Rectangle_Description const*>(fit.feature.get())) {
+        whole = turned(*r, frame, tool);
     }
     if (!whole) return;
     fit.feature = whole;

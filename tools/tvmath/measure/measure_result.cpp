@@ -11,7 +11,9 @@
 inline namespace tvmath {
 namespace {
 
-constexpr double fine_reach = 8;       // a blurred edge reaches that far
+constexpr double fine_reach = 4;  // what an edge may move
+constexpr int most_rounds = 8;
+constexpr double settled_move = 0.05;  // pixels; the next one is a small part of it
 constexpr double fine_climb = 2;       // see `edge_window`
 constexpr double least_outlier = 0.1;  // pixels; below it no point is one
 
@@ -69,8 +71,19 @@ private:
         return is_enough(edges_.size());
     }
 
-    // Each edge once more, in a window that lies across it and about it.
+    // Each edge once more, in a window that lies across it and about it. Where the window must be narrow it
+    // draws the edge to its middle: then that is repeated until the edge stays.
     bool find_finely() {
+        std::vector<bool> settled(edges_.size(), false);
+        for (int round = 0; round < most_rounds; ++round) {
+            if (std::find(settled.begin(), settled.end(), false) == settled.end()) break;
+            if (!find_again(settled)) return false;
+        }
+        return true;
+    }
+
+    // Looks again for the edges that have not settled. Those that are not found any more are left out.
+    bool find_again(std::vector<bool>& settled) {
         fitted_feature rough;
         std::vector<bool> kept;
         std::vector<double> residuals;
@@ -78,17 +91,27 @@ private:
         if (!fit_without_outliers(*tool_.kind, places_of(edges_), tool_.edges.outliers, least_outlier, rough,
                                   kept, residuals, reason))
             return fail(reason);
-        std::vector<found_edge> fine;
+        std::size_t count = 0;
         for (std::size_t i = 0; i < edges_.size(); ++i) {
-            edge_window w = aligned_window(*rough.record, edges_[i].place, windows_[i]);
-            w.reach = std::min(w.reach, fine_reach);
-            if (tool_.kind->record == Point_Description::type_value) w.bend = bend_of(edges_[i], w.reach);
-            w.climb = fine_climb * std::min(1.0, w.width / 16);
-            found_edge e;
-            if (find_edge(scene_, w, tool_.edges, e)) fine.push_back(e);
+            found_edge e = edges_[i];
+            if (!settled[i] && !find_edge(scene_, fine_window(*rough.record, i), tool_.edges, e)) continue;
+            bool const stays = settled[i] || distance2d(e.place, edges_[i].place) <= settled_move;
+            edges_[count] = e;
+            windows_[count] = windows_[i];
+            settled[count++] = stays;
         }
-        edges_ = std::move(fine);
-        return is_enough(edges_.size());
+        edges_.resize(count);
+        windows_.resize(count);
+        settled.resize(count);
+        return is_enough(count);
+    }
+
+    edge_window fine_window(Geometry_Description const& feature, std::size_t i) const {
+        edge_window w = aligned_window(feature, edges_[i].place, windows_[i]);
+        w.inward = w.outward = std::min({w.inward, w.outward, fine_reach});
+        if (tool_.kind->record == Point_Description::type_value) w.bend = bend_of(edges_[i], fine_reach);
+        w.climb = fine_climb * std::min(1.0, w.width / 16);
+        return w;
     }
 
     void fit() {

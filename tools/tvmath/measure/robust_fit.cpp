@@ -11,6 +11,8 @@ namespace {
 
 constexpr int most_rounds = 20;
 constexpr double share_of_start = 0.7;
+constexpr std::size_t starts_along = 8;  // halves of the outline
+constexpr double clearly_better = 0.5;
 constexpr double normal_scale = 1.4826;  // the standard deviation over the median magnitude of normal errors
 
 // The magnitude below which, or at which, `count` of the residuals lie.
@@ -32,6 +34,15 @@ public:
     std::vector<bool> kept;
     fitted_feature fitted;
     std::vector<double> residuals;  // of all points
+
+    // The fit drawn to that many of the points, from those that are kept on.
+    bool concentrate(std::size_t count) {
+        if (!fit()) return false;
+        keep_within([count](std::vector<double> const& r) { return magnitude_of_rank(r, count); });
+        return true;
+    }
+
+    double median() const { return magnitude_of_rank(residuals, (residuals.size() + 1) / 2); }
 
     // Fits to the points that are kept. False, with the last fit as it was, when that is not possible.
     bool fit() {
@@ -71,6 +82,23 @@ private:
     std::vector<point> const& points_;
 };
 
+// The fit from one half of the outline that is clearly closer to half of the points, if there is one: what
+// lies beside the outline in one piece may draw a fit to all points so far off that no point stands out.
+void try_halves(fit_kind const& kind, std::vector<point> const& points, robust_fit& best) {
+    std::size_t const count = points.size(), half = (count + 1) / 2;
+    double limit = clearly_better * best.median();
+    for (std::size_t start = 0; start < starts_along; ++start) {
+        robust_fit other(kind, points);
+        for (std::size_t i = 0; i < count - half; ++i)
+            other.kept[(start * count / starts_along + i) % count] = false;
+        if (!other.concentrate(half) || !(other.median() < limit)) continue;
+        limit = other.median();
+        best.kept = other.kept;
+        best.fitted = other.fitted;
+        best.residuals = other.residuals;
+    }
+}
+
 }  // namespace
 
 bool fit_without_outliers(fit_kind const& kind, std::vector<point> const& points, double threshold,
@@ -87,7 +115,8 @@ bool fit_without_outliers(fit_kind const& kind, std::vector<point> const& points
     if (threshold > 0 && magnitude_of_rank(fit.residuals, points.size()) > least) {
         auto const start =
             static_cast<std::size_t>(std::ceil(share_of_start * static_cast<double>(points.size())));
-        fit.keep_within([start](std::vector<double> const& r) { return magnitude_of_rank(r, start); });
+        fit.concentrate(start);
+        if (fit.median() > least) try_halves(kind, points, fit);
         fit.keep_within([threshold, least](std::vector<double> const& r) {
             return std::max(least, threshold * normal_scale * magnitude_of_rank(r, (r.size() + 1) / 2));
         });

@@ -11,9 +11,11 @@ inline namespace tvmath {
 /// the reason, when no such feature goes through the points.
 ///
 /// First the fit is drawn to the seven tenths of the points that lie closest to it, until these stay the
-/// same. Then a point is an outlier whose residual is more than `threshold` robust standard
-/// deviations, 1.4826 times the median of the magnitudes of all residuals, and more than `least`; the fit
-/// through the others is repeated until these stay the same. A `threshold` of 0 keeps all points.
+/// same; where half of the points lie clearly closer to a fit that begins at one half of the outline, along
+/// which the points must follow each other, it is that one. Then a point is an outlier whose residual is more
+/// than `threshold` robust standard deviations, 1.4826 times the median of the magnitudes of all residuals,
+/// and more than `least`; the fit through the others is repeated until these stay the same. A `threshold` of
+/// 0 keeps all points.
 ///
 /// Source: P. J. Rousseeuw, K. Van Driessen, Computing LTS regression for large data sets, Data Mining and
 /// Knowledge Discovery 12 (2006) 29-45, on the concentration steps; F. R. Hampel, The influence curve and its
