@@ -178,8 +178,9 @@ std::string counted(std::size_t n, char const* one, char const* many) {
     return std::to_string(n) + ' ' + (n == 1 ? one : many);
 }
 
+// A feature without limits neither passes nor fails.
 struct tally {
-    std::size_t all = 0, failing = 0, missing = 0;
+    std::size_t all = 0, good = 0, failing = 0, missing = 0;
 
     void count(measured_tool const& t) {
         ++all;
@@ -187,9 +188,11 @@ struct tally {
             ++missing;
         } else if (!t.passed()) {
             ++failing;
+        } else if (!t.checks.empty()) {
+            ++good;
         }
     }
-    std::size_t good() const { return all - failing - missing; }
+    std::size_t judged() const { return good + failing + missing; }
 };
 
 std::string summary_of(tally const& t, bool has_limits) {
@@ -198,10 +201,11 @@ std::string summary_of(tally const& t, bool has_limits) {
         std::string const found = counted(t.all - t.missing, "feature", "features");
         return t.missing == 0 ? found : found + ", " + not_found;
     }
-    if (t.good() == t.all)
-        return t.all == 1 ? "passes" : t.all == 2 ? "both pass" : "all " + std::to_string(t.all) + " pass";
+    std::size_t const judged = t.judged();
+    if (t.good == judged)
+        return judged == 1 ? "passes" : judged == 2 ? "both pass" : "all " + std::to_string(judged) + " pass";
     if (t.all == 1) return t.missing > 0 ? "not found" : "fails";
-    std::string text = std::to_string(t.good()) + " of " + counted(t.all, "passes", "pass");
+    std::string text = std::to_string(t.good) + " of " + counted(judged, "passes", "pass");
     if (t.missing > 0) text += ", " + not_found;
     return text;
 }
@@ -223,7 +227,7 @@ std::string rest_of(tally const& t, bool has_limits) {
     std::string text = "and " + std::to_string(t.all) + " more";
     if (t.failing + t.missing > 0)
         return text + ", " + counted(t.failing + t.missing, "of which fails", "of which fail");
-    return has_limits ? text + (t.all == 1 ? ", which passes" : ", all pass") : text;
+    return has_limits && t.good == t.all ? text + (t.all == 1 ? ", which passes" : ", all pass") : text;
 }
 
 int decimals_for(double pixel_length) {
@@ -250,7 +254,7 @@ measure_sheet make_measure_sheet(measure_report const& report, double pixel_leng
     if (rest.all > 0) sheet.rest = rest_of(rest, sheet.has_limits);
     sheet.failing = failing_of(report);
     sheet.summary = summary_of(all, sheet.has_limits);
-    sheet.state = all.good() == all.all ? verdict::good : verdict::bad;
+    sheet.state = all.failing + all.missing == 0 ? verdict::good : verdict::bad;
 
     std::vector<std::vector<sheet_row>> rows;
     for (measured_tool const* t : shown) rows.push_back(rows_of(*t, decimals_for(pixel_length)));
