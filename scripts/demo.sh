@@ -1,18 +1,56 @@
 #!/bin/sh
-# demo.sh: builds the library and the program, fits features to measured sets that were published with their answers,
-# shows how near both are, and draws a sheet of all shapes.
+# demo.sh: builds the library and the program and measures a machined plate in two pictures, whose truth is known because
+# they are rendered: the lens is calibrated from the picture of a chart, and what comes out stands beside the true values.
+# Then it fits features to measured sets that were published with their answers. Pictures and files go to build/demo.
 set -eu
 cd "$(dirname "$0")/.."
-scripts/reference_table.sh --summary
-echo
-echo "The worst difference of each fit from answers known to 25 digits, relative to the feature's size, and what it may be"
-echo "at most. Every number: docs/reference-fits.md"
+BUILD_OPTIONS="-DTVMATH_BUILD_EXAMPLES=ON" scripts/build.sh release
+tvmath=$PWD/build/release/tools/tvmath/tvmath
+render=$PWD/build/release/examples/render_plate
+fits=$PWD/build/release/examples/reference_fits
+data=$PWD/examples/data
+mkdir -p build/demo
+cd build/demo
 
-program=build/release/tools/tvmath/tvmath
+echo "A camera looks through a lens that bends the picture by up to 9 pixels: at a chart of 285 dots, at a machined plate"
+echo "before a light, and at the same plate in a photograph with noise, shading, scratches and dust."
+"$render" .
+
 echo
-echo "Twenty-four points of a measured roundness profile:"
-"$program" fit circle examples/data/roundness_literature_24.csv --plot build/roundness.svg
+echo "1. The lens, from the dots of the chart (lens.svg)"
 echo
-echo "The points with their residuals enlarged: build/roundness.svg"
-"$program" render all -o build/shapes.svg
-echo "A sheet of all shapes, drawn by the program: build/shapes.svg"
+"$tvmath" measure grid.png --config grid.json --centers dots.csv --summary | tail -n 1
+"$tvmath" calibrate screen dots.csv grid_nominal.csv --screen-size 1280 1024 -o lens.txt --plot lens.svg |
+    grep -E '^  (order|residual|largest)  |^  largest'
+
+echo
+echo "2. The plate before the light. Nominal are its true values, and the limits say how near the results must come"
+echo
+"$tvmath" measure plate.png --config plate_true.json --summary
+
+echo
+echo "3. The photograph, beside the same true values"
+echo
+"$tvmath" measure photo.png --config photo_true.json --summary
+
+echo
+echo "4. Both against the drawing, by which one hole was made too large, as sheets and drawn into the pictures"
+echo
+for picture in plate photo; do
+    status=0
+    "$tvmath" measure $picture.png --config $picture.json --plot ${picture}_sheet.png --overlay ${picture}_overlay.png \
+        --records ${picture}_records.txt --points ${picture}_points.csv >${picture}_report.txt || status=$?
+    [ $status -eq 1 ] # out of tolerance
+    echo "$picture: $(tail -n 1 ${picture}_report.txt)"
+    echo "  build/demo/${picture}_sheet.png ${picture}_overlay.png ${picture}_report.txt ${picture}_points.csv"
+done
+
+echo
+echo "5. The fits alone: the worst difference of each from answers known to 25 digits, relative to the feature's size, and"
+echo "what it may be at most. Every number: docs/reference-fits.md"
+echo
+"$fits" "$data" --summary
+"$tvmath" fit circle "$data/roundness_literature_24.csv" --plot roundness.svg >roundness.txt
+"$tvmath" render all -o shapes.svg
+echo
+echo "A measured roundness profile: build/demo/roundness.svg; a sheet of all shapes: build/demo/shapes.svg"

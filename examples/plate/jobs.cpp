@@ -129,24 +129,36 @@ bool is_opening(outline kind) {
 }
 
 std::string tolerances(outline kind, plate_picture const& picture) {
-    auto const one = [](char const* name, double width) { return quoted(name) + ": " + number(width); };
-    auto const size = [&](char const* name) { return ", " + one(name, picture.size); };
-    std::string const form = one("form", picture.form),
-                      direction = ", " + one("angle_deg", picture.direction);
+    std::string text;
+    auto const add = [&text](char const* name, double width) {
+        if (width > 0) text += (text.empty() ? "" : ", ") + quoted(name) + ": " + number(width);
+    };
+    auto const add_sizes = [&](std::vector<char const*> const& names) {
+        for (char const* const name : names) add(name, picture.size);
+    };
+    if (kind != outline::point) add("form", picture.form);
     switch (kind) {
         case outline::line:
-            return form + ", " + one("profile", picture.profile) + direction;
+            add("profile", picture.profile);
+            if (picture.is_truth) add_sizes({"center"});
+            break;
         case outline::circle:
         case outline::arc:
-            return form + size("radius") + size("center");
+            add_sizes({"radius", "center"});
+            break;
         case outline::rectangle:
-            return form + size("width") + size("height") + size("center") + direction;
+            add_sizes({"width", "height", "center"});
+            break;
         case outline::slot:
-            return form + size("width") + size("length") + size("center") + direction;
+            add_sizes({"width", "length", "center"});
+            break;
         case outline::point:
-            return one("center", picture.size);
+            add_sizes({"center"});
+            break;
     }
-    return {};
+    bool const has_direction = kind == outline::line || kind == outline::rectangle || kind == outline::slot;
+    if (has_direction) add("angle_deg", picture.direction);
+    return text;
 }
 
 std::string head(char const* schema, char const* unit) {
@@ -199,22 +211,13 @@ std::string plate_job(plate_picture const& picture) {
         tools.push_back("{\"name\": " + quoted(f.name) +
                         ", \"feature\": " + quoted(words(f.kind, typed(f), "%.0f")) +
                         ", \"edge\": " + (rising ? "\"rising\"" : "\"falling\"") +
-                        ",\n     \"nominal\": " + quoted(nominal_words(f, false)) +
+                        ",\n     \"nominal\": " + quoted(nominal_words(f, picture.is_truth)) +
                         ",\n     \"tolerance\": {" + tolerances(f.kind, picture) + "}}");
     }
     std::string const frame = "[" + number(pixel) + ", " + number(-pixel) + ']';
     return "{\n" + head("tvmath.job/1", "mm") + "  \"pixel\": " + frame +
            ",\n  \"screen\": \"lens.txt\",\n  \"search\": 8,\n  \"spacing\": 6,\n" + list("tools", tools) +
            "}\n";
-}
-
-std::string plate_truth() {
-    std::vector<std::string> truths;
-    for (feature const& f : features) {
-        truths.push_back("{\"name\": " + quoted(f.name) + ", \"feature\": " + quoted(nominal_words(f, true)) +
-                         ", \"form\": " + number(2 * f.lobe) + '}');
-    }
-    return "{\n" + head("tvmath.truth/1", "mm") + list("features", truths) + "}\n";
 }
 
 }  // namespace plate

@@ -13,13 +13,12 @@ std::string chart_nominal();
 /// What a picture of the plate demands of its job.
 struct plate_picture {
     bool openings_are_bright;
-    // Tolerances in mm and degrees: sizes and places, forms, profiles of lines, directions.
+    bool is_truth;  ///< The nominal features are those that were made, not those that were drawn.
+    // Tolerances in mm and degrees: sizes and places, forms, profiles of lines, directions. None of form and
+    // profile for 0.
     double size, form, profile, direction;
 };
 /// The job of the plate: results in mm from the middle, y upward, corrected by "lens.txt".
 std::string plate_job(plate_picture const& picture);
-/// What each tool of that job measures, as it was made: `feature` in the words and the frame of the nominal
-/// features.
-std::string plate_truth();
 
 }  // namespace plate

@@ -66,6 +66,8 @@ CLI::App* add_measure(CLI::App& app, measure_request& request) {
     option("--centers", request.centers, "OUT.csv", "Write the place of each feature, a row x,y");
     option("--records", request.records, "OUT.txt", "Write the features, each as a name and a text");
     measure->add_flag("--json", request.json, "Write JSON instead of text");
+    measure->add_flag("--summary", request.summary, "Write one table of what has limits instead")
+        ->excludes("--json");
     measure->footer(notes);
     return measure;
 }

@@ -21,13 +21,22 @@ bool check(measure_request const& request, std::string& reason) {
     return false;
 }
 
-// A screen correction belongs to the size of its screen.
-bool is_for_screen(screen_corrector const& screen, image const& scene) {
+// A correction belongs to the size of its screen.
+template <class corrector_type>
+bool is_for_screen(corrector_type const& corrector, image const& scene) {
     auto const agrees = [](double scale, unsigned int size) {
         return scale * size > 1.999 && scale * size < 2.001;
     };
-    return screen.is_trivial() ||
-           (agrees(screen.x_scale, matrix::cols(scene)) && agrees(screen.y_scale, matrix::rows(scene)));
+    return corrector.is_trivial() ||
+           (agrees(corrector.x_scale, matrix::cols(scene)) && agrees(corrector.y_scale, matrix::rows(scene)));
+}
+
+bool are_for_screen(measure_job const& job, image const& scene, std::string& reason) {
+    char const* const wrong = !is_for_screen(job.screen, scene)     ? "screen"
+                              : !is_for_screen(job.flatness, scene) ? "flatness"
+                                                                    : nullptr;
+    if (wrong) reason = std::string("the ") + wrong + " correction is that of another size of image";
+    return !wrong;
 }
 
 exit_status status_of(measured_tool const& tool) {
@@ -74,10 +83,8 @@ exit_status run_measure(measure_request const& request, std::ostream& out, std::
     image scene;
     if (!read_image_file(request.image, scene, reason))
         return complain(exit_status::unreadable_input, shown_name(request.image) + ": " + reason, err);
-    if (!is_for_screen(job.screen, scene)) {
-        return complain(exit_status::wrong_usage,
-                        "tvmath: the screen correction is that of another size of image", err);
-    }
+    if (!are_for_screen(job, scene, reason))
+        return complain(exit_status::wrong_usage, "tvmath: " + reason, err);
 
     measure_report report{shown_name(request.image), matrix::cols(scene), matrix::rows(scene), &job, {}};
     measure_frame const frame(job, report.width, report.height);
@@ -89,11 +96,7 @@ exit_status run_measure(measure_request const& request, std::ostream& out, std::
             status = worse(status, status_of(report.tools.back()));
         }
     }
-    if (request.json) {
-        write_json(out, report);
-    } else {
-        write_text(out, report);
-    }
+    (request.json ? write_json : request.summary ? write_summary : write_text)(out, report);
     return worse(status, write_files(request, scene, frame, report, err));
 }
 

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "files/point_file.h"
+#include "fit/fit_report.h"
 #include "measure/measure_layout.h"
 #include "measure/measure_verdict.h"
 #include "report/number_text.h"
@@ -96,7 +97,43 @@ std::string summary_of(measure_report const& report) {
     return summary_of(tally, failing, names_of(tally.not_measured, room - width_of(failing)));
 }
 
+// Of a feature with limits what these speak of; of another one all but its errors.
+std::vector<measure_row> main_rows(measured_tool const& tool, int decimals) {
+    std::vector<measure_row> rows = rows_of(tool, decimals);
+    if (tool.checks.empty()) {
+        std::erase_if(rows, [&tool](measure_row const& r) {
+            return r.label == form_label(*tool.fit) || r.label.starts_with("profile") ||
+                   r.label == "standard deviation";
+        });
+    } else {
+        std::erase_if(rows, [](measure_row const& r) { return r.verdict.empty(); });
+    }
+    for (measure_row& r : rows) r.label = one_line(tool.tool->name) + "  " + r.label;
+    return rows;
+}
+
 }  // namespace
+
+void write_summary(std::ostream& out, measure_report const& report) {
+    int const decimals = decimals_for(report.job->pixel_length());
+    std::vector<measure_row> rows;
+    for (measured_tool const& tool : report.tools) {
+        if (!tool.fit) continue;
+        std::vector<measure_row> const own = main_rows(tool, decimals);
+        rows.insert(rows.end(), own.begin(), own.end());
+    }
+    measure_layout layout;
+    layout.include(rows);
+    layout.settle();
+    out << frame_line(report) << "\n\n";
+    std::string const titles = layout.titles_of(rows);
+    if (!titles.empty()) out << titles << '\n';
+    for (measure_row const& r : rows) out << layout.line_of(r) << '\n';
+    for (measured_tool const& tool : report.tools) {
+        if (!tool.fit) out << "  " << one_line(tool.tool->name) << "  not measured: " << tool.reason << '\n';
+    }
+    out << '\n' << summary_of(report) << '\n';
+}
 
 void write_text(std::ostream& out, measure_report const& report) {
     int const decimals = decimals_for(report.job->pixel_length());

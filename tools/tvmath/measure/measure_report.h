@@ -22,6 +22,9 @@ struct measure_report {
 /// whether it passes; at the end how many did.
 void write_text(std::ostream& out, measure_report const& report);
 
+/// One table for people: of each feature only what has a limit or, where nothing has, its figures.
+void write_summary(std::ostream& out, measure_report const& report);
+
 /// A document of schema tvmath.measure/1 for programs.
 void write_json(std::ostream& out, measure_report const& report);
 

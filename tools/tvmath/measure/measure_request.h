@@ -21,7 +21,7 @@ struct measure_request {
     std::string points = {};   ///< table of edge points
     std::string records = {};  ///< texts of the features
     std::string centers = {};  ///< table of their places
-    bool json = false;
+    bool json = false, summary = false;
 };
 
 }  // namespace tvmath

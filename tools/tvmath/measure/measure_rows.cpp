@@ -60,6 +60,17 @@ std::string text_of(tolerance_check const& check, int decimals) {
     return fixed_number(check.value, decimals);
 }
 
+// All digits of a limit, without a power of ten where that needs no more room than other numbers have.
+std::string text_of(double limit) {
+    for (int decimals = 1; decimals <= most_decimals; ++decimals) {
+        std::string const text = fixed_number(limit, decimals);
+        double read = 0;
+        std::from_chars(text.data(), text.data() + text.size(), read);
+        if (read == limit) return text;
+    }
+    return number_text(limit);
+}
+
 class row_list {
 public:
     row_list(measured_tool const& measured, int decimals)
@@ -130,8 +141,8 @@ private:
 
     // Limits have their own digits: rounded ones would not be those that decide.
     static void add_limits(measure_row& to, tolerance_check const& check, bool has_lower) {
-        std::string const upper = number_text(check.limit.upper);
-        if (has_lower) to.cells[column_lower] = with_sign(number_text(check.limit.lower));
+        std::string const upper = text_of(check.limit.upper);
+        if (has_lower) to.cells[column_lower] = with_sign(text_of(check.limit.lower));
         to.cells[column_upper] = has_lower ? with_sign(upper) : upper;
         to.verdict = check.passed ? "pass" : "FAIL";
     }
