@@ -122,7 +122,7 @@ bore  circle                                                         FAIL
   roundness RONt       0.00200                                0.005  pass
   profile to nominal   0.01601                                0.02   pass
   standard deviation   0.00126
-  9 edge points at 10 places, 1 dropped as an outlier
+  9 edge points at 10 places, 1 dropped as an outlier, 1.25000 off
 
 känté, 1  line                                                       PASS
                       measured   nominal   deviation      tolerance
@@ -201,6 +201,7 @@ TEST(MeasureReport, TellsProgramsAllDigits) {
     EXPECT_NEAR(tools[0]["feature"]["radius"].get<double>(), 1.5030004, 1e-15);
     EXPECT_EQ(tools[0]["nominal"]["figures"]["radius"], 1.5);
     EXPECT_EQ(tools[0]["dropped"], 1);
+    EXPECT_EQ(tools[0]["farthest_dropped"], 1.25);
     EXPECT_EQ(tools[0]["checks"][1]["figure"], "center");
     EXPECT_NEAR(tools[0]["checks"][1]["value"].get<double>(), 0.005, 1e-15);
     EXPECT_EQ(tools[3]["reason"], "an edge was found at 2 of 40 places; a slot needs 5");

@@ -128,6 +128,63 @@ TEST(measure, drops_what_lies_beside_the_outline) {
     EXPECT_GT(std::fabs(figure_of(with, "radius") - 80), 0.1);
 }
 
+// Two fifths of the rim lie 5 pixels inside: what a fit to all points makes of them is no circle of the part.
+TEST(measure, finds_the_outline_from_the_larger_share_of_it) {
+    auto const stepped = [](double px, double py) {
+        double const x = px - 150.3, y = py - 149.8;
+        return (std::fabs(std::atan2(y, x)) < 0.4 * pi ? 75 : 80) - std::hypot(x, y);
+    };
+    measured_tool const hole = measured(rendered_scene(300, 300, stepped, {}), tool_of("circle 80 150 150"));
+    EXPECT_NEAR(figure_of(hole, "radius"), 80, 0.02);
+    EXPECT_NEAR(hole.farthest_dropped(), 5, 0.3);
+    // Form that is spread over the rim is no outlier.
+    auto const lobed = [](double px, double py) {
+        double const x = px - 150.3, y = py - 149.8;
+        return 80 + 2 * std::cos(3 * std::atan2(y, x)) - std::hypot(x, y);
+    };
+    measured_tool const rim = measured(rendered_scene(300, 300, lobed, {}), tool_of("circle 80 150 150"));
+    EXPECT_EQ(rim.dropped(), 0u);
+    ASSERT_TRUE(rim.fit);
+    EXPECT_NEAR(rim.fit->form_error, 4, 0.15);
+}
+
+// Neither the end of the search nor a narrow window nor the border of the image draws the edges.
+TEST(measure, is_not_drawn_to_the_nominal_place) {
+    for (double const search : {2.0, 3.0, 5.0, 20.0}) {
+        SCOPED_TRACE(search);
+        image const scene = rendered_scene(300, 300, round_edge{150.3, 149.8, 60}, {});
+        for (double const off : {-1.0, -0.5, 0.6, 1.0}) {
+            measure_tool tool = tool_of(words("circle", {60 + off * search, 150.3, 149.8}));
+            tool.edges.search = search;
+            EXPECT_NEAR(figure_of(measured(scene, tool), "radius"), 60, 0.01) << off;
+        }
+    }
+    for (double const radius : {5.0, 6.0, 8.0}) {
+        image const scene = rendered_scene(60, 60, round_edge{30.3, 29.8, radius}, {.blur = 0.7});
+        measured_tool const dot = measured(scene, tool_of(words("circle", {radius + 1, 31.3, 28.8})));
+        EXPECT_NEAR(figure_of(dot, "radius"), radius, 0.02);
+        EXPECT_NEAR(figure_of(dot, "center"), 30.3, 0.02);
+    }
+    image const slit = rendered_scene(100, 200, slot_edge{100.3, 49.8, 0, 60, 5}, {.blur = 0.7});
+    measured_tool const slot = measured(slit, tool_of("slot 60 6 0 101 50.5"));
+    EXPECT_NEAR(figure_of(slot, "width"), 10, 0.05);
+    EXPECT_NEAR(figure_of(slot, "length"), 120, 0.05);
+    image const top = rendered_scene(100, 100, straight_edge{0, 5.3, pi / 2}, {});
+    EXPECT_NEAR(figure_of(measured(top, tool_of("line 20 6 80 6")), "center", 1), 5.3, 0.01);
+}
+
+TEST(measure, calls_things_as_the_tool_does) {
+    image const round = rendered_scene(300, 300, round_edge{150.3, 149.8, 80}, {});
+    EXPECT_NEAR(figure_of(measured(round, tool_of("arc 80 1 360deg 150.3 149.8")), "included angle"), 2 * pi,
+                1e-9);
+    EXPECT_NEAR(figure_of(measured(round, tool_of("arc 80 1 -270deg 150.3 149.8")), "included angle"),
+                -1.5 * pi, 1e-3);
+    image const box = rendered_scene(300, 300, box_edge{150.3, 149.8, 0.2, 40, 70}, {});
+    measured_tool const upright = measured(box, tool_of("rectangle 80 140 0.2 150 150"));
+    EXPECT_NEAR(figure_of(upright, "width"), 80, 0.01);
+    EXPECT_NEAR(figure_of(upright, "angle"), 0.2, 1e-4);
+}
+
 TEST(measure, tells_the_two_edges_of_a_thin_wall_apart) {
     auto const wall = [](double px, double py) { return 5 - std::fabs(std::hypot(px - 150, py - 150) - 80); };
     image const scene = rendered_scene(300, 300, wall, {.blur = 0.7});

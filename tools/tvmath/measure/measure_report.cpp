@@ -39,7 +39,7 @@ std::string title_of(measured_tool const& tool) {
 }
 
 void write_measured(std::ostream& out, measure_layout const& layout, measured_tool const& tool,
-                    std::vector<measure_row> const& rows) {
+                    std::vector<measure_row> const& rows, int decimals) {
     verdict const v = verdict_of(tool);
     out << layout.line_of(title_of(tool), v == verdict::pass   ? "PASS"
                                           : v == verdict::fail ? "FAIL"
@@ -50,7 +50,8 @@ void write_measured(std::ostream& out, measure_layout const& layout, measured_to
     for (measure_row const& r : rows) out << layout.line_of(r) << '\n';
     out << "  " << counted(tool.edges.size(), "edge point") << " at " << counted(tool.stations, "place");
     if (std::size_t const dropped = tool.dropped())
-        out << ", " << dropped << " dropped as " << (dropped == 1 ? "an outlier" : "outliers");
+        out << ", " << dropped << " dropped as " << (dropped == 1 ? "an outlier, " : "outliers, up to ")
+            << fixed_number(tool.farthest_dropped(), decimals) << " off";
     out << '\n';
 }
 
@@ -146,7 +147,7 @@ void write_text(std::ostream& out, measure_report const& report) {
     // Made a second time, because the rows of a large job are many times the size of its results.
     for (measured_tool const& tool : report.tools) {
         if (tool.fit) {
-            write_measured(out, layout, tool, rows_of(tool, decimals));
+            write_measured(out, layout, tool, rows_of(tool, decimals), decimals);
         } else {
             out << title_of(tool) << "  not measured: " << tool.reason << '\n';
         }

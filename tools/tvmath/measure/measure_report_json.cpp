@@ -38,6 +38,7 @@ json_value object_of(measured_tool const& measured) {
     object["places"] = measured.stations;
     object["edge_points"] = measured.edges.size();
     object["dropped"] = measured.dropped();
+    object["farthest_dropped"] = measured.farthest_dropped();
     if (measured.fit) {
         put_fit(object, *measured.fit);
         // Counts the points that were kept, not all of the table of edge points.

@@ -160,6 +160,14 @@ std::size_t measured_tool::dropped() const {
         std::count_if(edges.begin(), edges.end(), [](edge_mark const& e) { return !e.kept; }));
 }
 
+double measured_tool::farthest_dropped() const {
+    double farthest = 0;
+    for (edge_mark const& e : edges) {
+        if (!e.kept) farthest = std::max(farthest, std::fabs(e.residual));
+    }
+    return farthest;
+}
+
 bool measured_tool::passed() const {
     return fit &&
            std::all_of(checks.begin(), checks.end(), [](tolerance_check const& c) { return c.passed; });

@@ -39,6 +39,9 @@ struct measured_tool {
     std::vector<tolerance_check> checks;
 
     std::size_t dropped() const;
+    /// The largest magnitude of a residual among the points that were dropped; 0 for none. A form error that
+    /// is too small to be true shows here: a dent of the part, or dust on it, is beside the outline too.
+    double farthest_dropped() const;
     /// True for a feature that was found and keeps all its limits.
     bool passed() const;
 };
