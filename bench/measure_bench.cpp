@@ -1,4 +1,4 @@
-#include "measure/measure_result.h"
+#include "measure/edges/measure_result.h"
 
 #include <cmath>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "measure/measure_job.h"
+#include "measure/job/measure_job.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "measure/measure_report.h"
+#include "measure/report/measure_report.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "measure/measure_checks.h"
-#include "measure/measure_rows.h"
+#include "measure/edges/measure_checks.h"
+#include "measure/report/measure_rows.h"
 #include "record/record_text.h"
 #include "tvmath/scalar.h"
 

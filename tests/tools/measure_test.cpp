@@ -1,4 +1,4 @@
-#include "measure/measure_result.h"
+#include "measure/edges/measure_result.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "imaging/rendered_scene.h"
-#include "measure/measure_frame.h"
+#include "measure/edges/measure_frame.h"
 #include "support/seeded_random.h"
 
 inline namespace tvmath {

@@ -5,9 +5,9 @@
 #include "files/file_output.h"
 #include "files/image_file.h"
 #include "files/point_file.h"
-#include "measure/measure_overlay.h"
 #include "measure/measure_progress.h"
-#include "measure/measure_report.h"
+#include "measure/picture/measure_overlay.h"
+#include "measure/report/measure_report.h"
 #include "plot/picture_file.h"
 
 inline namespace tvmath {
