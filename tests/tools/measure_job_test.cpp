@@ -75,7 +75,7 @@ TEST_F(MeasureJob, ReadsWhatAJobSays) {
     EXPECT_EQ(dynamic_cast<Circle_Description const&>(*bore.nominal).geometry.radius(), 1.5);
     EXPECT_TRUE(bore.edges.search == 8 && bore.edges.spacing == 12 && bore.edges.contrast == 0.2 &&
                 bore.edges.outliers == 0 && bore.edges.sense == edge_sense::falling);
-    EXPECT_TRUE(last.edges.search == 9 && last.edges.spacing == 20 && last.edges.contrast == 0.05 &&
+    EXPECT_TRUE(last.edges.search == 9 && last.edges.spacing == 20 && last.edges.contrast == 0.03 &&
                 last.edges.sense == edge_sense::rising && !last.nominal);
     EXPECT_DOUBLE_EQ(job.tools[5].angle.value(), -std::acos(0.0));
     EXPECT_EQ(dynamic_cast<Point_Description const&>(*job.tools[5].place).position.dimension(), 2u);

@@ -47,7 +47,7 @@ CLI::App* add_measure(CLI::App& app, measure_request& request) {
     option("--spacing", request.spacing, "PIXELS", "Of the places along the outline, 3 to 1000; 12 else");
     option("--edge", request.edge, "any|rising|falling",
            "How the grey changes along the outward normal, of a line to the right of its direction");
-    option("--contrast", request.contrast, "C", "The least change of grey, 0 to 1 for white; 0.05 else");
+    option("--contrast", request.contrast, "C", "The least change of grey, 0 to 1 for white; 0.03 else");
     option("--outliers", request.outliers, "K",
            "Points beyond so many robust standard deviations are left out, 2 to 100; 3.5 else, 0 keeps all");
     option("--nominal", request.nominal, "'KIND PARAMETERS'", "What the feature should be");

@@ -23,7 +23,7 @@ enum class edge_sense { any, rising, falling };
 struct edge_settings {
     double search = 10;      ///< to either side of the nominal place
     double spacing = 12;     ///< of the places along the outline
-    double contrast = 0.05;  ///< least change of the grey across an edge; white is 1
+    double contrast = 0.03;  ///< least change of the grey across an edge; white is 1
     double outliers = 3.5;   ///< in robust standard deviations; 0 keeps all points
     edge_sense sense = edge_sense::any;
 };

@@ -97,10 +97,16 @@ std::string text_of(double x) {
     return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
 }
 
-// What the nominal feature has that a limit may name.
+// What the nominal feature has that a limit may name. The ends of a line and of an arc are those of the
+// nominal one, so what depends on them says nothing about the part.
 std::vector<figure> limited_figures(Geometry_Description const& nominal) {
     std::vector<figure> figures = figures_of(nominal);
-    std::erase_if(figures, [](figure const& f) {
+    bool const is_line = nominal.type() == Segment_Description::type_value,
+               is_arc = nominal.type() == Arc_Description::type_value;
+    std::erase_if(figures, [is_line, is_arc](figure const& f) {
+        bool const is_of_an_end = f.label == "start" || f.label == "end" || f.label == "length" ||
+                                  (is_arc && f.kind == figure_kind::angle);
+        if ((is_line || is_arc) && is_of_an_end) return true;
         return f.kind != figure_kind::length && f.kind != figure_kind::number &&
                f.kind != figure_kind::angle && f.kind != figure_kind::axis_angle &&
                f.kind != figure_kind::location;
