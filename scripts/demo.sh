@@ -4,10 +4,11 @@
 # Then it fits features to measured sets that were published with their answers. Pictures and files go to build/demo.
 set -eu
 cd "$(dirname "$0")/.."
-BUILD_OPTIONS="-DTVMATH_BUILD_EXAMPLES=ON" scripts/build.sh release
-tvmath=$PWD/build/release/tools/tvmath/tvmath
-render=$PWD/build/release/examples/render_plate
-fits=$PWD/build/release/examples/reference_fits
+preset=${DEMO_PRESET:-release} # another one where its build is there anyway
+BUILD_OPTIONS="-DTVMATH_BUILD_EXAMPLES=ON" scripts/build.sh "$preset"
+tvmath=$PWD/build/$preset/tools/tvmath/tvmath
+render=$PWD/build/$preset/examples/render_plate
+fits=$PWD/build/$preset/examples/reference_fits
 data=$PWD/examples/data
 mkdir -p build/demo
 cd build/demo
