@@ -128,8 +128,7 @@ private:
     std::string parameter(figure const& f, std::size_t i) const {
         double const x = f.values[i];
         if (f.kind == figure_kind::count) return fixed_text(x, 0);
-        if (f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle)
-            return fixed_text(x * (180 / pi), 5) + "\u00b0";
+        if (is_angle(f)) return fixed_text(x * (180 / pi), 5) + "\u00b0";
         if (f.kind == figure_kind::direction || f.kind == figure_kind::axis || f.kind == figure_kind::number)
             return fixed_text(x, 7);
         if (picture_.is_rounding) return short_text(std::fabs(x) <= picture_.rounding ? 0 : x, 9);

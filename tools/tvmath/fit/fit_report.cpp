@@ -79,7 +79,7 @@ std::vector<report_row> rows_of(std::vector<figure> const& figures, bool radians
     std::vector<report_row> rows;
     for (figure const& f : figures) {
         if (f.kind == figure_kind::rows || f.values.empty()) continue;
-        if (f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle) {
+        if (is_angle(f)) {
             rows.push_back({f.label + " deg", text(f.values[0] * (180 / pi)), {}});
             if (radians) rows.push_back({f.label + " rad", text(f.values[0]), {}});
         } else if (f.kind == figure_kind::count) {

@@ -22,6 +22,13 @@ outline make_outline(std::vector<spot> const& places, bool closed);
 /// The same of the points of a path, less `origin`; repeated places are left out.
 outline make_outline(curve const& path, bool closed, point const& origin);
 
+/// Calls `visit` with the two ends of each edge, in their order.
+template <class visitor>
+void for_each_edge(outline const& o, visitor const& visit) {
+    for (std::size_t i = 0; i + 1 < o.at.size(); ++i) visit(o.at[i], o.at[i + 1]);
+    if (o.closed && !o.at.empty()) visit(o.at.back(), o.at.front());
+}
+
 /// The nearest place of an outline.
 struct outline_foot {
     spot at, out;           ///< `out` has length 1

@@ -28,6 +28,11 @@ struct figure {
     std::size_t columns = 1;     ///< of rows
 };
 
+/// Whether its value is an angle in radians.
+inline bool is_angle(figure const& f) {
+    return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
+}
+
 /// All parameters of the record, in the order of the report. Empty for a kind without any.
 std::vector<figure> figures_of(Geometry_Description const& record);
 

@@ -22,10 +22,6 @@ json_value rows(figure const& f) {
     return list;
 }
 
-bool is_angle(figure const& f) {
-    return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
-}
-
 }  // namespace
 
 std::string figure_key(figure const& f) {

@@ -1,5 +1,6 @@
 #include "measure/edges/measure_checks.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "report/figure_json.h"
@@ -7,16 +8,6 @@
 
 inline namespace tvmath {
 namespace {
-
-// What a limit on a deviation speaks of: degrees, the distance of a place.
-double size_of(figure const& deviation) {
-    if (deviation.kind == figure_kind::angle || deviation.kind == figure_kind::axis_angle)
-        return deviation.values.front() * (180 / pi);
-    if (deviation.values.size() == 1) return deviation.values.front();
-    double sum = 0;
-    for (double const v : deviation.values) sum = std::hypot(sum, v);
-    return sum;
-}
 
 // NaN for what the fit does not tell, which keeps no limit.
 double value_of(tolerance_limit const& limit, fit_result const& fit) {
@@ -26,7 +17,7 @@ double value_of(tolerance_limit const& limit, fit_result const& fit) {
     if (limit.figure == "standard_deviation") return fit.standard_deviation.value_or(std::nan(""));
     if (fit.nominal) {
         for (figure const& d : fit.nominal->deviations) {
-            if (figure_key(d) == limit.figure) return size_of(d);
+            if (figure_key(d) == limit.figure) return deviation_size(d);
         }
     }
     return std::nan("");
@@ -41,6 +32,20 @@ std::vector<tolerance_check> check_limits(measure_tool const& tool, fit_result c
         checks.push_back({limit, value, limit.lower <= value && value <= limit.upper});
     }
     return checks;
+}
+
+tolerance_check const* find_check(std::vector<tolerance_check> const& checks, std::string const& name) {
+    auto const found = std::find_if(checks.begin(), checks.end(),
+                                    [&name](tolerance_check const& c) { return c.limit.figure == name; });
+    return found == checks.end() ? nullptr : &*found;
+}
+
+double deviation_size(figure const& deviation) {
+    if (is_angle(deviation)) return deviation.values.front() * (180 / pi);
+    if (deviation.values.size() == 1) return deviation.values.front();
+    double sum = 0;
+    for (double const v : deviation.values) sum = std::hypot(sum, v);
+    return sum;
 }
 
 }  // namespace tvmath

@@ -107,8 +107,7 @@ std::vector<figure> limited_figures(Geometry_Description const& nominal) {
         bool const is_of_an_end = f.label == "start" || f.label == "end" || f.label == "length" ||
                                   (is_arc && f.kind == figure_kind::angle);
         if ((is_line || is_arc) && is_of_an_end) return true;
-        return f.kind != figure_kind::length && f.kind != figure_kind::number &&
-               f.kind != figure_kind::angle && f.kind != figure_kind::axis_angle &&
+        return f.kind != figure_kind::length && f.kind != figure_kind::number && !is_angle(f) &&
                f.kind != figure_kind::location;
     });
     return figures;

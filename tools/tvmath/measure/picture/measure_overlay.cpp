@@ -28,13 +28,8 @@ point at(spot p) {
 
 double length_of(std::vector<outline> const& outlines) {
     double sum = 0;
-    for (outline const& o : outlines) {
-        std::size_t const n = o.at.size();
-        for (std::size_t i = 0; i + (o.closed ? 0 : 1) < n; ++i) {
-            spot const way = o.at[(i + 1) % n] - o.at[i];
-            sum += std::hypot(way.x, way.y);
-        }
-    }
+    for (outline const& o : outlines)
+        for_each_edge(o, [&sum](spot from, spot to) { sum += std::hypot(to.x - from.x, to.y - from.y); });
     return sum;
 }
 
@@ -91,16 +86,15 @@ private:
     // Pieces of 6 pixels and as long gaps.
     void dashes(outline const& o, unsigned long colour) {
         double const dash = 6.0 * width_;
-        std::size_t const n = o.at.size();
-        for (std::size_t i = 0; i + (o.closed ? 0 : 1) < n; ++i) {
-            spot const from = o.at[i], way = o.at[(i + 1) % n] - from;
+        for_each_edge(o, [&](spot from, spot to) {
+            spot const way = to - from;
             double const size = std::hypot(way.x, way.y);
             int const pieces = static_cast<int>(std::clamp(std::ceil(size / (2 * dash)), 1.0, 1000.0));
             for (int k = 0; k < pieces; ++k) {
                 double const start = 1.0 * k / pieces, end = start + std::min(dash / size, 0.5 / pieces);
                 line({from + start * way, from + end * way}, colour, 2 * width_);
             }
-        }
+        });
     }
 
     int width_;

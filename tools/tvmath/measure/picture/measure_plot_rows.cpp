@@ -13,7 +13,6 @@ inline namespace tvmath {
 namespace {
 
 constexpr std::size_t most_rows = 20, most_rows_of_one = 3, most_named = 3;
-constexpr int angle_decimals = 4;
 
 // What a feature is asked for first, by the names of its figures.
 std::vector<std::string> main_figures(fit_result const& fit) {
@@ -35,10 +34,6 @@ std::vector<std::string> main_figures(fit_result const& fit) {
     }
 }
 
-bool is_angle(figure const& f) {
-    return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
-}
-
 template <class test>
 figure const* find(std::vector<figure> const& figures, test const& is_wanted) {
     auto const found = std::find_if(figures.begin(), figures.end(), is_wanted);
@@ -47,13 +42,6 @@ figure const* find(std::vector<figure> const& figures, test const& is_wanted) {
 
 figure const* find(std::vector<figure> const& figures, std::string const& name) {
     return find(figures, [&name](figure const& f) { return figure_key(f) == name; });
-}
-
-tolerance_check const* find(std::vector<tolerance_check> const& checks, std::string const& name) {
-    for (tolerance_check const& c : checks) {
-        if (c.limit.figure == name) return &c;
-    }
-    return nullptr;
 }
 
 std::string with_sign(double x, std::string const& text) {
@@ -76,7 +64,7 @@ public:
             if (!c.passed) add(c.limit.figure);
         }
         // The limit may be that of the radius.
-        bool const by_radius = find(tool_.checks, "radius") != nullptr;
+        bool const by_radius = find_check(tool_.checks, "radius") != nullptr;
         for (std::string const& name : main_figures(fit_))
             add(name == "diameter" && by_radius ? "radius" : name);
         for (tolerance_check const& c : tool_.checks) {
@@ -92,7 +80,7 @@ public:
         figure const* const center = find(fit_.figures, std::string("center"));
         if (center && rows.front().what != "center") rows.front().place = text_of(*center);
         if (fit_.count > 1) rows.front().form = fixed_text(fit_.form_error, decimals_);
-        tolerance_check const* const form = find(tool_.checks, "form");
+        tolerance_check const* const form = find_check(tool_.checks, "form");
         rows.front().is_form_bad = form && !form->passed;
         if (!tool_.checks.empty()) rows.front().verdict = tool_.passed() ? "PASS" : "FAIL";
         rows.front().verdict_ink = tool_.passed() ? good_ink : bad_ink;
@@ -142,7 +130,7 @@ private:
     }
 
     bool write(std::string const& name, sheet_row& row) const {
-        tolerance_check const* const check = find(tool_.checks, name);
+        tolerance_check const* const check = find_check(tool_.checks, name);
         if (name == "form" || name == "profile" || name == "standard_deviation")
             return check && write_error(name, *check, row);
         // The deviation of a direction is an angle, and has the name of one.
@@ -164,14 +152,10 @@ private:
 
     // Of a place how far it is from where it should be.
     std::string deviation_text(figure const& d, tolerance_check const* check) const {
-        bool const is_place = d.values.size() > 1;
-        double size = is_place ? 0 : d.values[0] * (is_angle(d) ? 180 / pi : 1);
-        if (is_place) {
-            for (double const v : d.values) size = std::hypot(size, v);
-        }
+        double const size = deviation_size(d);
         int const decimals = is_angle(d) ? angle_decimals : decimals_;
         std::string const text = fixed_text(size, check ? decimals_of(*check, decimals) : decimals);
-        return is_place ? text : with_sign(size, text);
+        return d.values.size() > 1 ? text : with_sign(size, text);
     }
 
     measured_tool const& tool_;

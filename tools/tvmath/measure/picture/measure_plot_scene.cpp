@@ -189,13 +189,12 @@ private:
 
     void avoid(drawn_feature const& f) {
         for (outline const& o : f.outlines) {
-            std::size_t const n = o.at.size();
-            for (std::size_t i = 0; i + (o.closed ? 0 : 1) < n; ++i) {
-                spot const from = at(o.at[i]), way = at(o.at[(i + 1) % n]) - from;
+            for_each_edge(o, [&](spot start, spot end) {
+                spot const from = at(start), way = at(end) - from;
                 double const size = std::hypot(way.x, way.y);
                 int const steps = std::max(1, static_cast<int>(std::min(size / obstacle_step, 1000.0)));
                 for (int k = 0; k < steps; ++k) tags_.avoid(from + (1.0 * k / steps) * way);
-            }
+            });
         }
         for (spot const& p : f.marks) tags_.avoid(at(p));
         for (drawn_edge const& e : f.edges) tags_.avoid(at(e.kept ? drawing_.tip(e) : e.at));

@@ -13,7 +13,7 @@
 inline namespace tvmath {
 namespace {
 
-constexpr int angle_decimals = 4, most_decimals = 12;
+constexpr int most_decimals = 12;
 
 // The ends of lines and arcs are those of the nominal feature; the others say again what stands beside them.
 struct left_out_figure {
@@ -38,10 +38,6 @@ figure const* find(std::vector<figure> const& figures, std::string const& label)
 std::string with_sign(std::string const& text) {
     bool const is_zero = text.find_first_of("123456789") == std::string::npos;
     return is_zero || text[0] == '-' ? text : '+' + text;
-}
-
-bool is_angle(figure const& f) {
-    return f.kind == figure_kind::angle || f.kind == figure_kind::axis_angle;
 }
 
 bool is_kept(tolerance_limit const& limit, std::string const& number) {
@@ -88,12 +84,6 @@ private:
         return rows.back();
     }
 
-    tolerance_check const* find_check(std::string const& name) const {
-        auto const found = std::find_if(checks_.begin(), checks_.end(),
-                                        [&](tolerance_check const& c) { return c.limit.figure == name; });
-        return found == checks_.end() ? nullptr : &*found;
-    }
-
     // The numbers of a figure, each in its row.
     void put(figure const& f, measure_column column) {
         int const decimals = is_angle(f) ? angle_decimals : decimals_;
@@ -104,7 +94,7 @@ private:
 
     void add_figure(figure const& f) {
         figure const* const deviation = fit_.nominal ? find(fit_.nominal->deviations, f.label) : nullptr;
-        tolerance_check const* const check = find_check(figure_key(deviation ? *deviation : f));
+        tolerance_check const* const check = find_check(checks_, figure_key(deviation ? *deviation : f));
         if (!check && is_left_out(fit_.kind->name, f.label)) return;
         put(f, column_measured);
         if (figure const* const n = find(nominal_, f.label)) put(*n, column_nominal);
@@ -121,7 +111,7 @@ private:
 
     // Where no point is to spare there are no errors, unless somebody asks.
     void add_error(std::string const& label, double value, char const* limit) {
-        tolerance_check const* const check = find_check(limit);
+        tolerance_check const* const check = find_check(checks_, limit);
         bool const has_errors = !fit_.degrees_of_freedom || *fit_.degrees_of_freedom > 0;
         if (!check && !(has_errors && std::isfinite(value))) return;
         measure_row& error = row(label);

@@ -19,6 +19,9 @@ struct measure_row {
     std::string verdict;
 };
 
+/// Decimals of angles in degrees.
+constexpr int angle_decimals = 4;
+
 /// So many decimals that the last one is less than a 500th of a pixel of that length, the least that edges
 /// tell; 0 to 12.
 int decimals_for(double pixel_length);
